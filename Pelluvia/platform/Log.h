@@ -1,0 +1,25 @@
+#pragma once
+
+#include <Pelluvia/platform/Export.h>
+
+#include <functional>
+#include <string_view>
+
+/// \file
+/// The diagnostics of the framework: single lines for the system log.
+
+namespace pelluvia {
+
+/// Takes one line, without a line end.
+using LogSink = std::function<void(std::string_view line)>;
+
+/// Writes one line to the system log, or hands it to the host's sink. Control characters, line ends
+/// among them, are replaced by spaces, since what is logged may come from a file.
+///
+/// Threads: callable from any thread; a sink must allow the same.
+PELLUVIA_EXPORT void logLine(std::string_view text);
+
+/// Sends all lines from now on to `sink` instead of the system log; an empty function restores it.
+PELLUVIA_EXPORT void setLogSink(LogSink sink);
+
+} // namespace pelluvia

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <Pelluvia/platform/Export.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace pelluvia {
+
+/// A file being written through one large buffer.
+///
+/// Writing never fails on the spot: the first failure is remembered, what follows is thrown away,
+/// and `failure` tells. So code that writes needs no checks and code that must know can ask.
+///
+/// Threads: one at a time.
+class PELLUVIA_EXPORT OutputFile {
+  public:
+    /// Opens the path (UTF-8) for writing, truncating what is there or making a new file (mode 0666
+    /// less the umask). Null when that fails; `error` then says why.
+    [[nodiscard]] static std::unique_ptr<OutputFile> open(const std::string &path,
+                                                          std::error_code &error);
+
+    OutputFile(const OutputFile &) = delete;
+    OutputFile &operator=(const OutputFile &) = delete;
+    /// Closes the file if `close` was not called.
+    ~OutputFile();
+
+    /// Appends the bytes.
+    void write(std::string_view bytes);
+
+    /// At least `size` bytes (at most `largestReservation`) to write into directly; `commit` says
+    /// where writing ended. For code that formats many small pieces with one bounds check.
+    [[nodiscard]] char *reserve(std::size_t size);
+    /// Makes everything up to `end`, a position in the last reservation, part of the file.
+    void commit(char *end) noexcept { used_ = static_cast<std::size_t>(end - buffer_.get()); }
+
+    /// Writes what is still buffered.
+    void flush();
+    /// Flushes and closes; nothing may be written any more. Returns `failure()`.
+    std::error_code close();
+
+    /// The first failure of any write or of closing; no error while all went well.
+    [[nodiscard]] std::error_code failure() const noexcept { return failure_; }
+
+    /// The most that `reserve` gives.
+    static constexpr std::size_t largestReservation = 16 * 1024;
+
+  private:
+    explicit OutputFile(int descriptor);
+
+    std::unique_ptr<char[]> buffer_;
+    std::size_t used_ = 0;
+    int descriptor_;
+    std::error_code failure_;
+};
+
+} // namespace pelluvia

@@ -1,0 +1,194 @@
+#include <Pelluvia/platform/Scanner.h>
+
+#include <Pelluvia/platform/Text.h>
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <system_error>
+
+namespace pelluvia {
+
+namespace {
+
+bool isDigit(char c) noexcept {
+    return c >= '0' && c <= '9';
+}
+
+std::size_t digitRun(std::string_view text) noexcept {
+    const auto end = std::find_if_not(text.begin(), text.end(), isDigit);
+    return static_cast<std::size_t>(end - text.begin());
+}
+
+/// A decimal number at the start of a text, taken apart.
+struct Decimal {
+    std::size_t length = 0;     // bytes, sign included; 0: there is no number
+    bool negative = false;      //
+    std::string_view magnitude; // without the sign, as std::from_chars reads it
+    bool large = false;         // at least one: out of range means infinity, otherwise zero
+};
+
+/// The exponent at the start of a text: "e", an optional sign, digits. Its value is capped far
+/// beyond what any float can hold but low enough to add digit counts to it.
+struct Exponent {
+    std::size_t length = 0;
+    std::int64_t value = 0;
+};
+
+Exponent exponentPrefix(std::string_view text) noexcept {
+    if (text.empty() || (text[0] != 'e' && text[0] != 'E')) {
+        return {};
+    }
+    std::size_t position = 1;
+    bool negative = false;
+    if (position < text.size() && (text[position] == '+' || text[position] == '-')) {
+        negative = text[position] == '-';
+        ++position;
+    }
+    const std::size_t digits = digitRun(text.substr(position));
+    if (digits == 0) {
+        return {};
+    }
+    constexpr std::int64_t cap = std::int64_t{1} << 60;
+    std::int64_t value = 0;
+    for (const char c : text.substr(position, digits)) {
+        value = std::min(value * 10 + (c - '0'), cap / 16);
+    }
+    return {position + digits, negative ? -value : value};
+}
+
+Decimal decimalPrefix(std::string_view text) noexcept {
+    Decimal decimal;
+    const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
+    decimal.negative = sign == 1 && text[0] == '-';
+    const std::string_view number = text.substr(sign);
+
+    const std::size_t whole = digitRun(number);
+    std::size_t length = whole;
+    std::size_t fraction = 0;
+    if (length < number.size() && number[length] == '.') {
+        fraction = digitRun(number.substr(length + 1));
+        length += 1 + fraction;
+    }
+    if (whole + fraction == 0) {
+        return {};
+    }
+    const std::string_view digits = number.substr(0, length);
+    const Exponent exponent = exponentPrefix(number.substr(length));
+    length += exponent.length;
+
+    // Where the first digit that counts stands, as a power of ten above or below the point.
+    const std::size_t first = digits.find_first_not_of("0.");
+    const auto point = static_cast<std::int64_t>(whole);
+    const auto position = static_cast<std::int64_t>(first);
+    decimal.large = first != std::string_view::npos && point - position + exponent.value > 0;
+    decimal.magnitude = number.substr(0, length);
+    decimal.length = sign + length;
+    return decimal;
+}
+
+template <class Float>
+Float valueOf(const Decimal &decimal) noexcept {
+    Float value = 0;
+    const char *begin = decimal.magnitude.data();
+    const auto result = std::from_chars(begin, begin + decimal.magnitude.size(), value);
+    if (result.ec == std::errc::result_out_of_range) {
+        value = decimal.large ? std::numeric_limits<Float>::infinity() : Float{0};
+    }
+    return decimal.negative ? -value : value;
+}
+
+struct Integer {
+    std::size_t length = 0; // bytes, sign included; 0: there is no number
+    std::int32_t value = 0;
+};
+
+Integer integerPrefix(std::string_view text) noexcept {
+    const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
+    const std::size_t digits = digitRun(text.substr(sign));
+    if (digits == 0) {
+        return {};
+    }
+    const bool negative = sign == 1 && text[0] == '-';
+    using Limits = std::numeric_limits<std::int32_t>;
+    constexpr std::int64_t cap = std::int64_t{1} << 32;
+    std::int64_t magnitude = 0;
+    for (const char c : text.substr(sign, digits)) {
+        magnitude = std::min(magnitude * 10 + (c - '0'), cap);
+    }
+    const std::int64_t value =
+        std::clamp<std::int64_t>(negative ? -magnitude : magnitude, Limits::min(), Limits::max());
+    return {sign + digits, static_cast<std::int32_t>(value)};
+}
+
+template <class Float>
+std::optional<Float> scanDecimal(std::string_view text, std::size_t &position) noexcept {
+    const std::string_view rest = text.substr(position);
+    const std::size_t space = leadingWhiteSpace(rest);
+    const Decimal decimal = decimalPrefix(rest.substr(space));
+    if (decimal.length == 0) {
+        return std::nullopt;
+    }
+    position += space + decimal.length;
+    return valueOf<Float>(decimal);
+}
+
+} // namespace
+
+double doubleValue(std::string_view text) noexcept {
+    return Scanner(text).scanDouble().value_or(0.0);
+}
+
+std::int32_t intValue(std::string_view text) noexcept {
+    return Scanner(text).scanInt().value_or(0);
+}
+
+std::optional<float> Scanner::scanFloat() noexcept {
+    return scanDecimal<float>(text_, position_);
+}
+
+std::optional<double> Scanner::scanDouble() noexcept {
+    return scanDecimal<double>(text_, position_);
+}
+
+std::optional<std::int32_t> Scanner::scanInt() noexcept {
+    const std::size_t space = leadingWhiteSpace(remaining());
+    const Integer integer = integerPrefix(remaining().substr(space));
+    if (integer.length == 0) {
+        return std::nullopt;
+    }
+    position_ += space + integer.length;
+    return integer.value;
+}
+
+std::optional<std::uint32_t> Scanner::scanHexInt() noexcept {
+    const std::size_t space = leadingWhiteSpace(remaining());
+    std::string_view digits = remaining().substr(space);
+    std::size_t prefix = 0;
+    std::uint32_t value = 0;
+    if (digits.starts_with("0x") || digits.starts_with("0X")) {
+        prefix = 2;
+    }
+    const char *begin = digits.data() + prefix;
+    const char *end = digits.data() + digits.size();
+    auto result = std::from_chars(begin, end, value, 16);
+    if (result.ptr == begin && prefix != 0) { // the "0" alone is the number
+        prefix = 0;
+        begin = digits.data();
+        result = std::from_chars(begin, begin + 1, value, 16);
+    }
+    if (result.ptr == begin) {
+        return std::nullopt;
+    }
+    if (result.ec == std::errc::result_out_of_range) {
+        value = std::numeric_limits<std::uint32_t>::max();
+    }
+    position_ += space + prefix + static_cast<std::size_t>(result.ptr - begin);
+    return value;
+}
+
+void Scanner::skip(std::size_t length) noexcept {
+    position_ += std::min(length, text_.size() - position_);
+}
+
+} // namespace pelluvia

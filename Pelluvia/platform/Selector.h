@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <utility>
+
+namespace pelluvia {
+
+/// The message of a target-and-selector pair: which method of the target is called, with one
+/// argument of type `Argument`. The target's type is known only where the pair is made.
+///
+/// Threads: a plain value.
+template <class Argument>
+class Selector {
+  public:
+    /// No message; performing it does nothing.
+    Selector() = default;
+
+    /// The method of a target that must be passed to `perform` as a pointer to `Target`.
+    template <class Target, class Parameter>
+    explicit Selector(void (Target::*method)(Parameter))
+        : call_([method](void *target, Argument argument) {
+              (static_cast<Target *>(target)->*method)(std::move(argument));
+          }) {}
+
+    /// Calls the method on the target.
+    void perform(void *target, Argument argument) const {
+        if (call_ && target != nullptr) {
+            call_(target, std::move(argument));
+        }
+    }
+
+  private:
+    std::function<void(void *, Argument)> call_;
+};
+
+} // namespace pelluvia

@@ -1,0 +1,49 @@
+#include <Pelluvia/platform/Text.h>
+
+#include <algorithm>
+#include <array>
+
+namespace pelluvia {
+
+bool isASCII(std::string_view text) noexcept {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+namespace {
+
+/// The length of the one white space character that `text` begins with, 0 when there is none.
+std::size_t whiteSpaceLength(std::string_view text) noexcept {
+    if (text.empty()) {
+        return 0;
+    }
+    if (text[0] == ' ' || (text[0] >= '\t' && text[0] <= '\r')) {
+        return 1;
+    }
+    if (text.starts_with("\xC2\x85") || text.starts_with("\xC2\xA0")) {
+        return 2; // U+0085, U+00A0
+    }
+    if (text.starts_with("\xE2\x80") && text.size() >= 3) {
+        const auto last = static_cast<unsigned char>(text[2]);
+        const bool isSpace = last <= 0x8A; // U+2000 to U+200A
+        return isSpace || last == 0xA8 || last == 0xA9 || last == 0xAF ? 3 : 0;
+    }
+    constexpr std::array<std::string_view, 3> others = {"\xE1\x9A\x80", "\xE2\x81\x9F",
+                                                        "\xE3\x80\x80"}; // U+1680, U+205F, U+3000
+    const bool found = std::any_of(others.begin(), others.end(), [text](std::string_view each) {
+        return text.starts_with(each);
+    });
+    return found ? 3 : 0;
+}
+
+} // namespace
+
+std::size_t leadingWhiteSpace(std::string_view text) noexcept {
+    std::size_t length = 0;
+    while (const std::size_t next = whiteSpaceLength(text.substr(length))) {
+        length += next;
+    }
+    return length;
+}
+
+} // namespace pelluvia

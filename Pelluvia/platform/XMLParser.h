@@ -1,0 +1,99 @@
+#pragma once
+
+#include <Pelluvia/platform/Error.h>
+#include <Pelluvia/platform/Export.h>
+#include <Pelluvia/platform/URL.h>
+#include <Pelluvia/platform/XMLParserDelegate.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+namespace pelluvia {
+
+/// The domain of the errors that the parser makes. Codes are those of the underlying XML library
+/// (for instance 4, empty document; 76, mismatched tags), and the one below.
+inline constexpr std::string_view NSXMLParserErrorDomain = "NSXMLParserErrorDomain";
+/// The parse was stopped by `abortParsing`.
+inline constexpr int NSXMLParserDelegateAbortedParseError = 512;
+
+/// Keys of a parser error's user information: where it was found, both counted from 1.
+inline constexpr std::string_view NSXMLParserErrorLineNumber = "NSXMLParserErrorLineNumber";
+inline constexpr std::string_view NSXMLParserErrorColumn = "NSXMLParserErrorColumn";
+
+/// Limits on what a document may ask for. Reaching one is a parse error.
+namespace xmlLimits {
+/// Elements inside elements.
+inline constexpr int depth = 256;
+/// Bytes of the text between two tags, or of one attribute value.
+inline constexpr std::size_t textSize = 10'000'000;
+/// References to entities may make the events of a document larger than the document: by this many
+/// bytes, and beyond them by this factor of what was read.
+inline constexpr std::size_t amplificationAllowance = 1'000'000;
+inline constexpr std::size_t amplificationFactor = 5;
+/// Bytes of one external entity.
+inline constexpr std::size_t externalEntitySize = 10'000'000;
+} // namespace xmlLimits
+
+/// Reads one XML 1.0 document from a file and reports it to a delegate event by event, in constant
+/// memory and always with namespaces processed.
+///
+///     auto parser = XMLParser::initWithContentsOfURL(URL::fileURLWithPath("ride.gpx"));
+///     parser->setDelegate(&delegate);
+///     if (!parser->parse()) {
+///         report(parser->parserError());
+///     }
+///
+/// Text and attribute values are delivered as XML 1.0 defines them: references resolved, line ends
+/// as one LF, in UTF-8 whatever the encoding of the file. Any encoding that the system's iconv
+/// knows can be read.
+///
+/// External entities are read only when that is turned on, only from regular files inside the
+/// folder that holds the document (symbolic links followed first), and never over the network. A
+/// refused or missing one stands for no text and is logged.
+///
+/// A prefix that is not declared is not an error: the element is in no namespace.
+///
+/// An exception that a delegate throws stops the parse and reaches the caller of `parse`.
+///
+/// Threads: one parser on one thread; parsers on different threads do not disturb each other.
+class PELLUVIA_EXPORT XMLParser {
+  public:
+    /// A parser for the file, which is opened by `parse`; null for nil.
+    [[nodiscard]] static std::unique_ptr<XMLParser>
+    initWithContentsOfURL(const std::optional<URL> &url);
+
+    XMLParser(const XMLParser &) = delete;
+    XMLParser &operator=(const XMLParser &) = delete;
+    ~XMLParser();
+
+    /// Who is told of the events; borrowed, must outlive the parse. Null: nobody.
+    void setDelegate(XMLParserDelegate *delegate) noexcept;
+
+    /// Whether external entities are read; off at first.
+    void setShouldResolveExternalEntities(bool should) noexcept;
+
+    /// Parses the whole document, on the calling thread. True when it was well-formed and nobody
+    /// aborted; otherwise the delegate was told of the error, once, and `parserError` returns it. A
+    /// parser parses once; another call fails with the same error, or with none after a success.
+    bool parse();
+
+    /// Called by the delegate during an event: no more events follow but the report of the abort.
+    void abortParsing();
+
+    /// The error that ended the parse, or null.
+    [[nodiscard]] const ErrorPtr &parserError() const noexcept;
+    /// Where the parser stands, or where the error that ended it was found; counted from 1. Columns
+    /// are counted in bytes.
+    [[nodiscard]] std::int64_t lineNumber() const noexcept;
+    [[nodiscard]] std::int64_t columnNumber() const noexcept;
+
+  private:
+    class Engine;
+    explicit XMLParser(std::unique_ptr<Engine> engine);
+
+    std::unique_ptr<Engine> engine_;
+};
+
+} // namespace pelluvia
