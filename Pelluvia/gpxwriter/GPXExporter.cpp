@@ -44,7 +44,7 @@ std::shared_ptr<GPXExporter> GPXExporter::init() {
 }
 
 std::shared_ptr<GPXExporter> GPXExporter::initWithPath(const std::string &path) {
-    const GPXRef document = GPXCreate(path.c_str());
+    GPXRef document = GPXCreate(path.c_str());
     if (document == nullptr) {
         return nullptr; // At once: destroying anything here could change errno.
     }
