@@ -12,11 +12,16 @@ set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Pelluvia)
 
 install(TARGETS Pelluvia EXPORT PelluviaTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/Pelluvia ${PROJECT_BINARY_DIR}/generated/Pelluvia
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-    FILES_MATCHING PATTERN "*.h"
-    PATTERN "internal" EXCLUDE
-    PATTERN "*Internal.h" EXCLUDE)
+# Public are the headers that lie directly in a folder of the framework. Those further down, and those
+# named ...Internal.h, are not installed.
+file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/Pelluvia/*/*.h)
+list(FILTER headers EXCLUDE REGEX "Internal\\.h$")
+foreach(header IN LISTS headers)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
+endforeach()
+install(FILES ${PROJECT_BINARY_DIR}/generated/Pelluvia/model/GPXDataHost.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/Pelluvia/model)
 
 install(EXPORT PelluviaTargets NAMESPACE Pelluvia:: DESTINATION ${package_folder})
 configure_package_config_file(
