@@ -1,5 +1,6 @@
 #include <Pelluvia/platform/OutputFile.h>
 
+#include <cassert>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -21,20 +22,25 @@ std::error_code lastError() {
 
 std::unique_ptr<OutputFile> OutputFile::open(const std::string &path, std::error_code &error) {
     constexpr mode_t mode = 0666;
-    int descriptor = -1;
+    if (path.find('\0') != std::string::npos) { // the system would see another, shorter path
+        error = std::make_error_code(std::errc::invalid_argument);
+        return nullptr;
+    }
+    // Made first: where there is no memory, the file must not be truncated.
+    std::unique_ptr<OutputFile> file(new OutputFile);
     do {
-        descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode);
-    } while (descriptor < 0 && errno == EINTR);
-    if (descriptor < 0) {
+        file->descriptor_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode);
+    } while (file->descriptor_ < 0 && errno == EINTR);
+    if (file->descriptor_ < 0) {
         error = lastError();
         return nullptr;
     }
     error.clear();
-    return std::unique_ptr<OutputFile>(new OutputFile(descriptor));
+    return file;
 }
 
-// Not value-initialised: a small file should not pay for touching the whole buffer.
-OutputFile::OutputFile(int descriptor) : buffer_(new char[bufferSize]), descriptor_(descriptor) {}
+// The buffer is not value-initialised: a small file should not pay for touching all of it.
+OutputFile::OutputFile() : buffer_(new char[bufferSize]) {}
 
 OutputFile::~OutputFile() {
     close();
@@ -53,6 +59,7 @@ void OutputFile::write(std::string_view bytes) {
 }
 
 char *OutputFile::reserve(std::size_t size) {
+    assert(size <= largestReservation);
     if (bufferSize - used_ < size) {
         flush();
     }
@@ -61,13 +68,16 @@ char *OutputFile::reserve(std::size_t size) {
 
 void OutputFile::flush() {
     const char *position = buffer_.get();
-    std::size_t left = failure_ ? 0 : used_;
+    std::size_t left = failure_ || descriptor_ < 0 ? 0 : used_;
     while (left != 0) {
         const ssize_t written = ::write(descriptor_, position, left);
         if (written > 0) {
             position += written;
             left -= static_cast<std::size_t>(written);
-        } else if (written < 0 && errno != EINTR) {
+        } else if (written == 0) { // never of a file; asking on might never end
+            failure_ = std::make_error_code(std::errc::io_error);
+            break;
+        } else if (errno != EINTR) {
             failure_ = lastError();
             break;
         }
