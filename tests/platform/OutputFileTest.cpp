@@ -266,6 +266,31 @@ TEST(OutputFile, SurvivesSignals) {
     EXPECT_GT(interruptions, 0);
 }
 
+// Whoever the host shares its standard output with may have made it not to block.
+TEST(OutputFile, WaitsForADescriptorThatDoesNotBlock) {
+    std::array<int, 2> ends = {};
+    ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+    ASSERT_EQ(::fcntl(ends[1], F_SETFL, O_NONBLOCK), 0);
+    const std::string text = patterned(1'000'000); // more than a pipe takes
+    std::error_code failure;
+    std::thread writer([&] {
+        const auto file = opened("/dev/fd/" + std::to_string(ends[1]));
+        ::close(ends[1]);
+        file->write(text);
+        failure = file->close();
+    });
+    std::string received;
+    std::array<char, 3000> piece;
+    ssize_t count = 0;
+    while ((count = ::read(ends[0], piece.data(), piece.size())) > 0) {
+        received.append(piece.data(), static_cast<std::size_t>(count));
+    }
+    writer.join();
+    ::close(ends[0]);
+    EXPECT_FALSE(failure) << failure.message();
+    EXPECT_TRUE(received == text);
+}
+
 TEST(OutputFile, RemembersAPipeWithoutAReader) {
     const TemporaryFolder folder;
     const std::string path = folder.file("pipe");
