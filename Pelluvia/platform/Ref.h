@@ -33,6 +33,11 @@ class RefCounted {
         }
     }
 
+    /// Whether the caller's reference is the only one.
+    [[nodiscard]] bool hasOneOwner() const noexcept {
+        return owners_.load(std::memory_order_acquire) == 1;
+    }
+
   protected:
     ~RefCounted() = default;
 

@@ -91,6 +91,7 @@ class PELLUVIA_EXPORT Value {
     [[nodiscard]] Dictionary *dictionary() const noexcept;
 
   private:
+    friend class Dictionary; // wraps records of a type that it was told
     class Text;
     class RecordBox;
 
