@@ -4,6 +4,13 @@
 
 namespace pelluvia {
 
+Array &Array::operator=(const Array &other) {
+    Array copy(other); // first: `other` may be this one, or live in a value of ours
+    dictionaries_.swap(copy.dictionaries_);
+    values_.swap(copy.values_);
+    return *this;
+}
+
 Array::~Array() {
     ContainerRelease release;
     release.takeAll(*this);
@@ -28,7 +35,7 @@ void Array::append(Value value) {
         for (Ref<Dictionary> &dictionary : dictionaries_) {
             values.emplace_back(std::move(dictionary));
         }
-        dictionaries_ = {};
+        std::vector<Ref<Dictionary>>().swap(dictionaries_); // frees the memory, too
         values_ = std::move(values);
     }
     values_.push_back(std::move(value));

@@ -23,11 +23,11 @@ class PELLUVIA_EXPORT Array : public RefCounted<Array> {
 
     Array() = default;
     Array(const Array &) = default;
-    Array &operator=(const Array &) = default;
+    Array &operator=(const Array &other);
     ~Array();
 
     void append(Value value);
-    /// Appends a dictionary, which must not be null.
+    /// Appends a dictionary; a null reference stands as nil.
     void append(Ref<Dictionary> dictionary);
     /// Removes the last value; the array must not be empty.
     void removeLast();

@@ -4,6 +4,8 @@
 #include <Pelluvia/platform/Dictionary.h>
 #include <Pelluvia/platform/Value.h>
 
+#include <new>
+#include <utility>
 #include <vector>
 
 namespace pelluvia {
@@ -32,22 +34,22 @@ class ContainerRelease {
     }
 
     /// Takes the value, and leaves nil, if it is a container that has containers in it.
-    void take(Value &value) {
+    void take(Value &value) noexcept {
         if (holdsContainers(value)) {
-            pending_.push_back(std::move(value));
+            postpone(value);
         }
     }
-    void takeAll(Array &array) {
+    void takeAll(Array &array) noexcept {
         for (Value &value : array.values_) {
             take(value);
         }
         for (Ref<Dictionary> &dictionary : array.dictionaries_) {
             if (dictionary && holdsContainers(*dictionary)) { // null: taken before
-                pending_.emplace_back(std::move(dictionary));
+                postpone(dictionary);
             }
         }
     }
-    void takeAll(Dictionary &dictionary) {
+    void takeAll(Dictionary &dictionary) noexcept {
         Dictionary::Entry *slots = dictionary.slots();
         for (std::size_t i = 0; i < dictionary.slotCount_; ++i) {
             take(slots[i].value);
@@ -55,6 +57,14 @@ class ContainerRelease {
     }
 
   private:
+    template <class Owner>
+    void postpone(Owner &owner) noexcept {
+        try {
+            pending_.emplace_back(std::move(owner));
+        } catch (const std::bad_alloc &) {
+            return; // it stays where it is and is destroyed there, one inside the other
+        }
+    }
     static bool isContainer(const Value &value) noexcept {
         return value.kind() == Value::Kind::Array || value.kind() == Value::Kind::Dictionary;
     }

@@ -45,17 +45,15 @@ void Dictionary::operator delete(void *memory) noexcept {
     std::free(memory);
 } // NOLINT
 
-Dictionary::Dictionary(const Dictionary &other) : RefCounted(other) {
+Dictionary::Dictionary(const Dictionary &other) : Dictionary() {
     copyFrom(other);
 }
 
 Dictionary &Dictionary::operator=(const Dictionary &other) {
-    if (this != &other) {
-        const Ref<Dictionary> copy =
-            Ref<Dictionary>::make(other); // `other` may live in a value of ours
-        removeAll();
-        copyFrom(*copy);
-    }
+    Dictionary copy(other); // first: `other` may be this one, or live in a value of ours
+    removeAll();
+    std::swap(slots_, copy.slots_); // neither is compact now
+    std::swap(slotCount_, copy.slotCount_);
     return *this;
 }
 
@@ -77,7 +75,10 @@ void Dictionary::copyFrom(const Dictionary &other) {
 
 Ref<Dictionary> Dictionary::wrappingBytes(const void *bytes, const std::type_info &type,
                                           const Dictionary *entries) {
-    const std::size_t count = entries != nullptr ? entries->size() : 0;
+    std::size_t count = 0; // of entries beside the record
+    if (entries != nullptr) {
+        count = entries->size() - (entries->contains(recordKey) ? 1 : 0);
+    }
     if (count >= notCompact) {
         auto ordinary = Ref<Dictionary>::make(*entries);
         ordinary->set(recordKey, Value::wrappingBytes(bytes, maxRecordSize, type));

@@ -59,8 +59,8 @@ class PELLUVIA_EXPORT Value {
     Value(const Value &other) noexcept;
     Value(Value &&other) noexcept
         : bits_(other.bits_), kind_(std::exchange(other.kind_, Kind::Nil)) {}
-    Value &operator=(const Value &other) noexcept;
-    Value &operator=(Value &&other) noexcept {
+    // By value: what is let go may be the container that holds the new value.
+    Value &operator=(Value other) noexcept {
         std::swap(bits_, other.bits_);
         std::swap(kind_, other.kind_);
         return *this;
