@@ -69,21 +69,24 @@ void RecordingGPSOutput::appendArrayData(Value object, const Key &key) {
 
 void RecordingGPSOutput::fileTrack() {
     if (trackData) {
-        appendArrayData(Value(std::exchange(trackData, nullptr)), recordedData::track);
+        appendArrayData(Value(trackData), recordedData::track);
+        trackData = nullptr;
     }
 }
 
 void RecordingGPSOutput::fileRoute() {
     if (routeData) {
-        appendArrayData(Value(std::exchange(routeData, nullptr)), recordedData::route);
+        appendArrayData(Value(routeData), recordedData::route);
+        routeData = nullptr;
     }
 }
 
 void RecordingGPSOutput::countItem() {
     // A count that passes the largest integer starts again from the smallest.
     itemCount = static_cast<std::int32_t>(static_cast<std::uint32_t>(itemCount) + 1U);
-    if (progress) {
-        progress->gpxProgress(transferKind, itemCount);
+    // Held on to here and below: the observer may take itself away when it is told.
+    if (const auto observer = progress) {
+        observer->gpxProgress(transferKind, itemCount);
     }
 }
 
@@ -118,15 +121,15 @@ void RecordingGPSOutput::wayPoint(GPSPoint point, const Dictionary *extra) {
 }
 
 void RecordingGPSOutput::startTransfer(const void * /*sender*/, int kind, const Dictionary *extra) {
-    if (progress) {
-        progress->gpxStartTransfer(kind, countOf(extra));
+    if (const auto observer = progress) {
+        observer->gpxStartTransfer(kind, countOf(extra));
     }
     transferKind = kind;
 }
 
 void RecordingGPSOutput::endTransfer(int kind) {
-    if (progress) {
-        progress->gpxEndTransfer(kind);
+    if (const auto observer = progress) {
+        observer->gpxEndTransfer(kind);
     }
     itemCount = 0;
     if (kind == transferKind::routes) {
@@ -160,14 +163,14 @@ void RecordingGPSOutput::startSending(const void *sender, int kind, const Dictio
 }
 
 void RecordingGPSOutput::sendProgress(int count) {
-    if (progress) {
-        progress->gpxProgress(transferKind, count);
+    if (const auto observer = progress) {
+        observer->gpxProgress(transferKind, count);
     }
 }
 
 void RecordingGPSOutput::endSending(int kind) {
-    if (progress) {
-        progress->gpxEndTransfer(kind);
+    if (const auto observer = progress) {
+        observer->gpxEndTransfer(kind);
     }
     transferKind = 0;
 }

@@ -6,7 +6,9 @@ namespace {
 
 using PointCall = void (GPSOutputReceiver::*)(GPSPoint, const Dictionary *);
 
-std::size_t sizeOf(const Array *array) noexcept { return array != nullptr ? array->size() : 0; }
+std::size_t sizeOf(const Array *array) noexcept {
+    return array != nullptr ? array->size() : 0;
+}
 
 /// Sends each point dictionary of the array. One without a point, which only a caller can have put
 /// there, is left out.

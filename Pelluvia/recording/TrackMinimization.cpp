@@ -5,11 +5,16 @@
 #include <cfloat>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace pelluvia {
 
 // The tests below decide in single precision. A machine that keeps more than that in between, or a
-// compiler that fuses a multiplication with a sum, would decide otherwise at the edges.
+// compiler that fuses a multiplication with a sum (see -ffp-contract in the build) or takes
+// liberties with infinities and NaN, would decide otherwise at the edges.
+#if defined(__FAST_MATH__) || (defined(__FINITE_MATH_ONLY__) && __FINITE_MATH_ONLY__ != 0)
+#error "build without -ffast-math and -ffinite-math-only"
+#endif
 static_assert(FLT_EVAL_METHOD == 0, "build for a floating-point unit without excess precision");
 
 namespace {
@@ -71,6 +76,9 @@ void RecordingGPSOutput::trackPoint(GPSPoint point, const Dictionary *extra) {
         trackData = Ref<Dictionary>::make();
         trackData->set(extras::name, Value(recordedData::unnamedTrack));
     }
+    // Made first: the extras may be those of the point that is tossed, and where memory runs out
+    // nothing has changed yet.
+    auto dictionary = Dictionary::wrapping(point, extra);
     const bool toss = tossesLastPoint(point);
     if (!toss) {
         prevPoint = lastPoint;
@@ -81,7 +89,7 @@ void RecordingGPSOutput::trackPoint(GPSPoint point, const Dictionary *extra) {
         if (toss && !points->empty()) {
             points->removeLast();
         }
-        points->append(Dictionary::wrapping(point, extra));
+        points->append(std::move(dictionary));
     }
     countItem();
 }
