@@ -49,8 +49,7 @@ void collectDataPoint(GPXDocument &document, std::int64_t time, const Dictionary
 void appendExtensions(TextCursor &text, const Dictionary &extras) noexcept {
     text.literal("<extensions>");
     appendPointExtensions(text, &extras, true);
-    const Value *value = extras.find(extras::speed);
-    if (const auto speed = value != nullptr ? value->number() : std::nullopt) {
+    if (const auto speed = extras.number(extras::speed)) {
         text.literal("<gpxtpx:TrackPointExtension><speed>");
         text.fixed(double{speed->floatValue()});
         text.literal("</speed></gpxtpx:TrackPointExtension>");
