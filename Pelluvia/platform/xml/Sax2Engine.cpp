@@ -116,6 +116,11 @@ std::size_t Sax2Engine::read(char *to, std::size_t room) {
         context_->nsMax > 8 * xmlLimits::attributes) {
         fail(tooManyAttributes);
     }
+    // The library keeps what it has not done with, and blank space outside elements altogether.
+    const auto held = static_cast<std::size_t>(documentInput_->end - documentInput_->base);
+    if (held > xmlLimits::textSize) {
+        fail({XML_ERR_INTERNAL_ERROR, "Huge input lookup"});
+    }
     if (stopped_) {
         return 0;
     }
@@ -136,11 +141,14 @@ void Sax2Engine::libraryError(xmlParserCtxtPtr context, const xmlError &error) {
             fail({error.code, error.message != nullptr ? error.message : "Parse error"});
         }
     } else if (error.code == XML_ERR_INVALID_URI) {
-        // The entity with this identifier remains unknown, which shall be no error.
+        // A parameter entity with such an identifier remains undeclared, which shall be no error.
         context->hasPErefs = 1;
-        if (resolvesExternalEntities_ && error.str1 != nullptr) {
-            logUnread(error.str1, "not a URI");
+        misnamed_ = error.str1 != nullptr ? error.str1 : "";
+    } else if (error.code == XML_WAR_UNDECLARED_ENTITY && !misnamed_.empty()) {
+        if (resolvesExternalEntities_) {
+            logUnread(misnamed_, "not a URI");
         }
+        misnamed_.clear();
     }
 }
 

@@ -114,6 +114,8 @@ class Sax2Engine {
     ExternalEntities externalEntities_;
     /// The files in which external entities were declared, where that is not the document.
     std::unordered_map<const xmlEntity *, std::string> declaringPaths_;
+    /// The system identifier, being no URI, of an entity that the library has not declared.
+    std::string misnamed_;
     std::string subset_; ///< the text of the external subset; the library does not copy it
 
     bool stopped_ = false;
