@@ -1,6 +1,8 @@
 #include <Pelluvia/platform/OutputFile.h>
 
+#include <array>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
@@ -17,14 +19,44 @@ std::error_code lastError() {
     return {errno, std::generic_category()};
 }
 
-} // namespace
-
-std::unique_ptr<OutputFile> OutputFile::open(const std::string &path, std::error_code &error) {
+/// Opens a path; the result and `errno` are those of `open`.
+int openPath(const std::string &path) {
     constexpr mode_t mode = 0666;
     int descriptor = -1;
     do {
         descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode);
     } while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+} // namespace
+
+std::optional<int> OutputFile::descriptorNamedBy(std::string_view path) noexcept {
+    constexpr std::array<std::string_view, 3> standardStreams = {"/dev/stdin", "/dev/stdout",
+                                                                 "/dev/stderr"};
+    for (std::size_t number = 0; number < standardStreams.size(); ++number) {
+        if (path == standardStreams[number]) {
+            return static_cast<int>(number);
+        }
+    }
+    for (const std::string_view folder : {"/dev/fd/", "/proc/self/fd/"}) {
+        if (path.starts_with(folder)) {
+            const char *end = path.data() + path.size();
+            int number = -1;
+            const auto [stop, failure] = std::from_chars(path.data() + folder.size(), end, number);
+            if (failure == std::errc() && stop == end && number >= 0) {
+                return number;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::unique_ptr<OutputFile> OutputFile::open(const std::string &path, std::error_code &error) {
+    // A descriptor is copied, not opened anew through its path: that would truncate a file that
+    // the shell has opened for appending, and start at its beginning.
+    const std::optional<int> named = descriptorNamedBy(path);
+    const int descriptor = named ? ::fcntl(*named, F_DUPFD_CLOEXEC, 0) : openPath(path);
     if (descriptor < 0) {
         error = lastError();
         return nullptr;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -20,8 +21,17 @@ class PELLUVIA_EXPORT OutputFile {
   public:
     /// Opens the path (UTF-8) for writing, truncating what is there or making a new file (mode 0666
     /// less the umask). Null when that fails; `error` then says why.
+    ///
+    /// A path that names one of the process's open descriptors (see `descriptorNamedBy`) means that
+    /// descriptor as it is: writing goes on at its position, nothing is truncated, and what the
+    /// host shares it with, or opened it with for appending, is respected. The host's own
+    /// descriptor stays open.
     [[nodiscard]] static std::unique_ptr<OutputFile> open(const std::string &path,
                                                           std::error_code &error);
+
+    /// The descriptor that a path names: N of "/dev/fd/N" and "/proc/self/fd/N", and those of
+    /// "/dev/stdin", "/dev/stdout" and "/dev/stderr". Nothing for every other path.
+    [[nodiscard]] static std::optional<int> descriptorNamedBy(std::string_view path) noexcept;
 
     OutputFile(const OutputFile &) = delete;
     OutputFile &operator=(const OutputFile &) = delete;
