@@ -11,7 +11,8 @@
 namespace pelluvia {
 
 /// A growing list of values. An object like `Dictionary`: shared through `Ref<Array>` where values
-/// refer to it; copying makes a new list of the same values.
+/// refer to it. Copying makes a new list of the same values; arrays and dictionaries among them are
+/// shared, not copied.
 ///
 /// Threads: none; one thread at a time, or several that only read.
 class PELLUVIA_EXPORT Array : public RefCounted<Array> {
@@ -22,7 +23,7 @@ class PELLUVIA_EXPORT Array : public RefCounted<Array> {
 
     [[nodiscard]] std::size_t size() const noexcept { return values_.size(); }
     [[nodiscard]] bool empty() const noexcept { return values_.empty(); }
-    /// The value at a position below `size()`.
+    /// The value at a position below `size()`. Valid until the array changes.
     [[nodiscard]] const Value &operator[](std::size_t position) const noexcept {
         return values_[position];
     }
@@ -30,6 +31,9 @@ class PELLUVIA_EXPORT Array : public RefCounted<Array> {
     [[nodiscard]] auto end() const noexcept { return values_.end(); }
 
   private:
+    friend class Value; // lets go of nested containers
+    [[nodiscard]] Value *last() noexcept { return values_.empty() ? nullptr : &values_.back(); }
+
     std::vector<Value> values_;
 };
 

@@ -45,10 +45,10 @@ class PELLUVIA_EXPORT Dictionary : public RefCounted<Dictionary> {
     }
 
     /// Puts the value under the key, in the place of an earlier one of that key or behind all
-    /// others. Setting nil removes the key.
+    /// others. Setting nil removes the key. A key that was removed and is set again comes last.
     void set(Key key, Value value);
 
-    /// Removes the key if it is there.
+    /// Removes the key if it is there; the others keep their order.
     void remove(const Key &key);
 
     /// Removes everything and keeps the memory, so that a dictionary that is filled again and again
@@ -61,6 +61,12 @@ class PELLUVIA_EXPORT Dictionary : public RefCounted<Dictionary> {
     [[nodiscard]] auto end() const noexcept { return entries_.end(); }
 
   private:
+    friend class Value; // lets go of nested containers
+    [[nodiscard]] Value *last() noexcept {
+        return entries_.empty() ? nullptr : &entries_.back().value;
+    }
+    void removeLast() noexcept { entries_.pop_back(); }
+
     std::vector<Entry> entries_;
 };
 
