@@ -58,7 +58,8 @@ class PELLUVIA_EXPORT Dictionary : public RefCounted<Dictionary> {
     ~Dictionary();
 
     /// A copy of `entries` (null: none) with the record wrapped under `recordKey`, in the place of
-    /// an earlier value of that key or behind all others.
+    /// an earlier value of that key or behind all others. Throws `std::length_error` where it would
+    /// be one entry too many.
     template <class Record>
     [[nodiscard]] static Ref<Dictionary> wrapping(const Record &record, const Dictionary *entries) {
         static_assert(std::is_trivially_copyable_v<Record> && sizeof(Record) == maxRecordSize);

@@ -169,7 +169,7 @@ TEST(RecordingGPSOutput, ARoutePointWithoutARouteIsLost) {
 
 TEST(RecordingGPSOutput, PointsOfInterestLapsAndPositionsAreNotRecorded) {
     const auto recorder = RecordingGPSOutput::recorder();
-    const Dictionary extra;
+    Dictionary extra;
     recorder->poiPoint(pointAt(1, 1), &extra);
     recorder->lapInfoStart(pointAt(1, 1), pointAt(2, 2), &extra);
     recorder->currentPosition(pointAt(1, 1), 5);

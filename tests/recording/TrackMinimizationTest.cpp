@@ -15,7 +15,6 @@ namespace {
 
 using testing::keys;
 using testing::pointAt;
-using testing::pointCount;
 using testing::records;
 using testing::telemetry;
 using Positions = std::vector<std::pair<double, double>>;
@@ -215,13 +214,12 @@ TEST_F(TrackMinimization, TheDirectionToleranceIsStrictInSinglePrecision) {
 }
 
 TEST_F(TrackMinimization, SlopesAreDividedInSinglePrecision) {
-    // 1/3 in single precision, and the next number above it as the tolerance of a slope of 0: the
-    // quotient in double precision would lie below 1/3's float.
+    // In double precision 1/3 is less than this float, and the point would go.
     const float third = 1.0F / 3.0F;
     recorder->setSlopeEqualSlop(third);
     add({{1, 1}, {1, 2}, {2, 5}});
+    ASSERT_LT(1.0 / 3.0, static_cast<double>(third));
     EXPECT_EQ(directionTests(), 0) << "equal, not less";
-    EXPECT_LT(1.0 / 3.0, static_cast<double>(third));
 }
 
 TEST_F(TrackMinimization, AZeroDifferenceGoesWithThePositiveOnes) {
@@ -395,7 +393,6 @@ TEST_F(TrackMinimization, TheExtrasOfATossedPointAreLost) {
     recorder->trackPoint(pointAt(2, 2), &extra);
     recorder->trackPoint(pointAt(3, 3), nullptr);
     EXPECT_EQ(keys(recorder->lastTrackPoint()), "point,");
-    EXPECT_EQ(pointCount(recorder->currentTrack()), 2U);
 }
 
 } // namespace
