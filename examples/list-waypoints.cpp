@@ -22,8 +22,8 @@ namespace {
 
 /// The text under a key, or "" where there is none, or no dictionary at all.
 std::string text(const Dictionary *extra, const Key &key) {
-    const Value *value = extra != nullptr ? extra->find(key) : nullptr;
-    return value != nullptr ? std::string(value->string().value_or("")) : "";
+    const auto found = extra != nullptr ? extra->string(key) : std::nullopt;
+    return std::string(found.value_or(""));
 }
 
 /// Prints waypoints as they come. A receiver is sent everything that a producer has, and does

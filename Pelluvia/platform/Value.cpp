@@ -151,8 +151,9 @@ void Value::releaseObject() const noexcept {
     case Kind::Record:
         return bits_.record->release();
     case Kind::Array:
+        return bits_.array->release();
     case Kind::Dictionary:
-        return releaseContainer();
+        return bits_.dictionary->release();
     default:
         return;
     }

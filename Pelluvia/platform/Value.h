@@ -94,6 +94,7 @@ class PELLUVIA_EXPORT Value {
     [[nodiscard]] Dictionary *dictionary() const noexcept;
 
   private:
+    friend class Dictionary; // wraps records of a type that it was told
     class Text;
     class RecordBox;
 
@@ -102,11 +103,6 @@ class PELLUVIA_EXPORT Value {
     [[nodiscard]] const void *unwrapBytes(const std::type_info &type) const noexcept;
     void retainObject() const noexcept;
     void releaseObject() const noexcept;
-    void releaseContainer() const noexcept;
-    [[nodiscard]] bool isContainer() const noexcept { return kind_ >= Kind::Array; }
-    [[nodiscard]] Value *lastInside() const noexcept;
-    [[nodiscard]] Value *lastContainerInside() const noexcept;
-    void removeLastInside() const noexcept;
 
     union {
         std::int64_t integer;

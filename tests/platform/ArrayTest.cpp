@@ -23,7 +23,7 @@ TEST(Array, KeepsItsValuesInOrder) {
     }
     EXPECT_EQ(array.size(), 3U);
     EXPECT_EQ(joined(array), "a,b,c,");
-    EXPECT_EQ(array[1].string(), "b");
+    EXPECT_EQ(array.at(1).string(), "b");
     array.removeLast();
     EXPECT_EQ(joined(array), "a,b,");
 }
@@ -32,16 +32,16 @@ TEST(Array, CanHoldNil) {
     Array array;
     array.append(Value());
     EXPECT_EQ(array.size(), 1U);
-    EXPECT_TRUE(array[0].isNil());
+    EXPECT_TRUE(array.at(0).isNil());
 }
 
 TEST(Array, CanBeGivenItsOwnValues) {
     Array array;
     array.append(Value("first"));
     for (int i = 0; i < 100; ++i) {
-        array.append(array[0]); // also when the storage moves
+        array.append(array.at(0)); // also when the storage moves
     }
-    EXPECT_EQ(array[100].string(), "first");
+    EXPECT_EQ(array.at(100).string(), "first");
 }
 
 TEST(Array, ACopyIsANewListOfTheSameValues) {
@@ -52,7 +52,7 @@ TEST(Array, ACopyIsANewListOfTheSameValues) {
     copy.append(Value(1));
     EXPECT_EQ(array.size(), 1U);
     EXPECT_EQ(copy.size(), 2U);
-    EXPECT_EQ(copy[0].array(), inner.get());
+    EXPECT_EQ(copy.at(0).array(), inner.get());
 }
 
 TEST(Array, IsSharedThroughReferences) {

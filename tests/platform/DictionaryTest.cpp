@@ -21,20 +21,20 @@ std::string keys(const Dictionary &dictionary) {
 }
 
 std::int32_t number(const Dictionary &dictionary, std::string_view key) {
-    const Value *value = dictionary.find(Key(key));
-    return value != nullptr && value->number() ? value->number()->intValue() : -1;
+    const auto number = dictionary.number(Key(key));
+    return number ? number->intValue() : -1;
 }
 
 TEST(Dictionary, FindsWhatWasSetAndNothingElse) {
     Dictionary dictionary;
     EXPECT_TRUE(dictionary.empty());
-    EXPECT_EQ(dictionary.find(Key("hr")), nullptr);
+    EXPECT_FALSE(dictionary.contains(Key("hr")));
     dictionary.set(Key("hr"), Value(120));
     dictionary.set(Key("of my own"), Value("text"));
     EXPECT_EQ(dictionary.size(), 2U);
     EXPECT_EQ(number(dictionary, "hr"), 120);
-    EXPECT_EQ(dictionary.find(Key("of my own"))->string(), "text");
-    EXPECT_EQ(dictionary.find(Key("temp")), nullptr);
+    EXPECT_EQ(dictionary.find(Key("of my own")).string(), "text");
+    EXPECT_FALSE(dictionary.contains(Key("temp")));
 }
 
 TEST(Dictionary, KeepsTheOrderInWhichKeysWereAdded) {
@@ -59,7 +59,7 @@ TEST(Dictionary, NeverHoldsNil) {
     dictionary.set(Key("hr"), Value(1));
     dictionary.set(Key("hr"), Value());
     EXPECT_TRUE(dictionary.empty());
-    EXPECT_EQ(dictionary.find(Key("hr")), nullptr);
+    EXPECT_FALSE(dictionary.contains(Key("hr")));
 }
 
 TEST(Dictionary, RemovingAMissingKeyChangesNothing) {
@@ -68,7 +68,7 @@ TEST(Dictionary, RemovingAMissingKeyChangesNothing) {
     dictionary.set(Key("temp"), Value(1));
     dictionary.remove(Key("hr"));
     EXPECT_EQ(keys(dictionary), "temp,");
-    dictionary.remove(dictionary.begin()->key); // a key that goes with the entry
+    dictionary.remove((*dictionary.begin()).key); // a key that goes with the entry
     EXPECT_TRUE(dictionary.empty());
 }
 
@@ -87,10 +87,10 @@ TEST(Dictionary, CanBeGivenItsOwnValuesAndKeys) {
     Dictionary dictionary;
     dictionary.set(Key("first"), Value("text"));
     for (int i = 0; i < 100; ++i) {
-        dictionary.set(Key("copy " + std::to_string(i)), *dictionary.find(Key("first")));
+        dictionary.set(Key("copy " + std::to_string(i)), dictionary.find(Key("first")));
     }
-    dictionary.set(dictionary.begin()->key, Value(1));
-    EXPECT_EQ(dictionary.find(Key("copy 99"))->string(), "text");
+    dictionary.set((*dictionary.begin()).key, Value(1));
+    EXPECT_EQ(dictionary.find(Key("copy 99")).string(), "text");
     EXPECT_EQ(number(dictionary, "first"), 1);
 }
 
@@ -102,7 +102,7 @@ TEST(Dictionary, ACopyIsANewDictionaryWithTheSameValues) {
     copy.set(Key("hr"), Value(1));
     EXPECT_EQ(keys(dictionary), "points,");
     EXPECT_EQ(keys(copy), "points,hr,");
-    EXPECT_EQ(copy.find(Key("points"))->array(), inner.get());
+    EXPECT_EQ(copy.find(Key("points")).array(), inner.get());
 }
 
 // The key of an entry lies in the padding of its value. Whatever moves entries around must leave

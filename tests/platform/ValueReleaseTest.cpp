@@ -79,8 +79,8 @@ TEST(ValueRelease, LeavesWhatOthersOwn) {
     Value outer = inArray(inner);
     outer = Value();
     ASSERT_EQ(inner.dictionary()->size(), 2U);
-    EXPECT_EQ(inner.dictionary()->find(Key("points"))->array(), watched.get());
-    EXPECT_EQ(inner.dictionary()->find(Key("invented"))->string(), "behind");
+    EXPECT_EQ(inner.dictionary()->find(Key("points")).array(), watched.get());
+    EXPECT_EQ(inner.dictionary()->find(Key("invented")).string(), "behind");
     EXPECT_FALSE(watched->hasOneOwner());
     inner = Value();
     EXPECT_TRUE(watched->hasOneOwner());

@@ -156,13 +156,13 @@ TEST(Value, CanBeAssignedWhatOnlyItsOwnContentHolds) {
     auto array = Ref<Array>::make();
     array->append(Value("inside"));
     Value value(std::move(array));
-    value = (*value.array())[0]; // the array goes, and the value on the right with it
+    value = value.array()->at(0); // the array goes, and the value on the right with it
     EXPECT_EQ(value.string(), "inside");
 
     auto dictionary = Ref<Dictionary>::make();
     dictionary->set(Key("hr"), Value("inside"));
     value = Value(std::move(dictionary));
-    value = *value.dictionary()->find(Key("hr"));
+    value = value.dictionary()->find(Key("hr"));
     EXPECT_EQ(value.string(), "inside");
 }
 
@@ -175,7 +175,7 @@ TEST(Value, CopiesMayBeReadAndLetGoOnManyThreads) {
     for (int number = 0; number < 4; ++number) {
         threads.emplace_back([copy = value] {
             for (int i = 0; i < 10'000; ++i) {
-                const Value inner = (*copy.array())[0];
+                const Value inner = copy.array()->at(0);
                 ASSERT_EQ(inner.string(), "shared");
             }
         });

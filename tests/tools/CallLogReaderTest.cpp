@@ -1,7 +1,7 @@
 #include <tools/pelluvia/calllog/CallLogReader.h>
 
+#include "CallCollector.h"
 #include "CallLogs.h"
-#include "SpyReceiver.h"
 
 #include <tools/pelluvia/calllog/CallLogLimits.h>
 
@@ -18,23 +18,23 @@
 namespace pelluvia {
 namespace {
 
+using testing::CallCollector;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using testing::readLog;
-using testing::SpyReceiver;
 
 #define POINT R"({"latitude":47.1,"longitude":8.5,"altitude":430.0,"time":1591000000,"test":-2})"
 
-SpyReceiver readAll(std::string_view log) {
-    SpyReceiver receiver;
+CallCollector readAll(std::string_view log) {
+    CallCollector receiver;
     const auto fault = readLog(log, receiver);
     EXPECT_FALSE(fault) << "line " << fault->line << ": " << fault->message;
     return receiver;
 }
 
 TEST(CallLogReader, MakesEachCallInOrder) {
-    const SpyReceiver receiver =
+    const CallCollector receiver =
         readAll(R"({"call":"startTransfer:kind:extra:","kind":1,"extra":null}
 {"call":"newTrack:","extra":{}}
 {"call":"newTrackSegment"}
@@ -63,7 +63,7 @@ TEST(CallLogReader, MakesEachCallInOrder) {
 }
 
 TEST(CallLogReader, ReadsEveryFieldOfAPoint) {
-    const SpyReceiver receiver =
+    const CallCollector receiver =
         readAll(R"({"call":"poiPoint:extra:","point":)" POINT R"(,"extra":null})");
     const GPSPoint &point = receiver.calls.at(0).point;
     EXPECT_EQ(point.latitude, 47.1);
@@ -74,7 +74,7 @@ TEST(CallLogReader, ReadsEveryFieldOfAPoint) {
 }
 
 TEST(CallLogReader, ALineMayBeWrittenByHand) {
-    const SpyReceiver receiver =
+    const CallCollector receiver =
         readAll(R"( { "point" : {"test":0, "time":1, "altitude":{"real":"NaN"}, "longitude":-8, )"
                 R"("latitude":47}, "extra":null, "call":"poiPoint:extra:" } )");
     const GPSPoint &point = receiver.calls.at(0).point;
@@ -85,41 +85,43 @@ TEST(CallLogReader, ALineMayBeWrittenByHand) {
 }
 
 TEST(CallLogReader, IntegersAndRealsKeepTheirType) {
-    const SpyReceiver receiver = readAll(
+    const CallCollector receiver = readAll(
         R"({"call":"newTrack:","extra":{"index":7,"speed":7.0,"temp":1e2,"low":-9223372036854775808,"high":9223372036854775807,"zero":-0.0}})");
     const Dictionary &extra = receiver.calls.at(0).extra.value();
-    EXPECT_EQ(extra.find(extras::index)->kind(), Value::Kind::Integer);
-    EXPECT_EQ(extra.find(extras::speed)->kind(), Value::Kind::Double);
-    EXPECT_EQ(extra.find(extras::temp)->number()->doubleValue(), 100.0);
-    EXPECT_EQ(extra.find(Key("low"))->number()->int64Value(), INT64_MIN);
-    EXPECT_EQ(extra.find(Key("high"))->number()->int64Value(), INT64_MAX);
-    EXPECT_TRUE(std::signbit(extra.find(Key("zero"))->number()->doubleValue()));
+    EXPECT_EQ(extra.find(extras::index).kind(), Value::Kind::Integer);
+    EXPECT_EQ(extra.find(extras::speed).kind(), Value::Kind::Double);
+    EXPECT_EQ(extra.find(extras::temp).number()->doubleValue(), 100.0);
+    EXPECT_EQ(extra.find(Key("low")).number()->int64Value(), INT64_MIN);
+    EXPECT_EQ(extra.find(Key("high")).number()->int64Value(), INT64_MAX);
+    EXPECT_TRUE(std::signbit(extra.find(Key("zero")).number()->doubleValue()));
 }
 
 TEST(CallLogReader, StringsAreUnescaped) {
-    const SpyReceiver receiver = readAll("{\"call\":\"newTrack:\",\"extra\":{\"name\":"
-                                         "\"a\\\"\\\\\\/\\b\\f\\n\\r\\t\\u00fc\\ud83d\\udeb2\"}}");
-    EXPECT_EQ(receiver.calls.at(0).extra->find(extras::name)->string(),
+    const CallCollector receiver =
+        readAll("{\"call\":\"newTrack:\",\"extra\":{\"name\":"
+                "\"a\\\"\\\\\\/\\b\\f\\n\\r\\t\\u00fc\\ud83d\\udeb2\"}}");
+    EXPECT_EQ(receiver.calls.at(0).extra->find(extras::name).string(),
               "a\"\\/\b\f\n\r\t\xC3\xBC\xF0\x9F\x9A\xB2");
 }
 
 TEST(CallLogReader, ObjectsInsideADictionaryAreWhatTheyAreSpelledAs) {
-    const SpyReceiver receiver =
+    const CallCollector receiver =
         readAll(R"({"call":"newTrack:","extra":{"point":)" POINT
                 R"(,"nan":{"real":"NaN"},"down":{"real":"-Infinity"},)"
                 R"("other":{"real":"nan"},"points":[)" POINT R"(,{"real":"Infinity"},[]]}})");
     const Dictionary &extra = receiver.calls.at(0).extra.value();
-    ASSERT_NE(extra.find(extras::point)->unwrap<GPSPoint>(), nullptr);
-    EXPECT_EQ(extra.find(extras::point)->unwrap<GPSPoint>()->test, -2);
-    EXPECT_TRUE(std::isnan(extra.find(Key("nan"))->number()->doubleValue()));
-    EXPECT_EQ(extra.find(Key("down"))->number()->doubleValue(), -INFINITY);
-    EXPECT_NE(extra.find(Key("other"))->dictionary(), nullptr);
-    const Array *points = extra.find(extras::points)->array();
+    const auto *point = extra.record<GPSPoint>(extras::point);
+    ASSERT_NE(point, nullptr);
+    EXPECT_EQ(point->test, -2);
+    EXPECT_TRUE(std::isnan(extra.find(Key("nan")).number()->doubleValue()));
+    EXPECT_EQ(extra.find(Key("down")).number()->doubleValue(), -INFINITY);
+    EXPECT_NE(extra.find(Key("other")).dictionary(), nullptr);
+    const Array *points = extra.find(extras::points).array();
     ASSERT_NE(points, nullptr);
     ASSERT_EQ(points->size(), 3U);
-    EXPECT_NE((*points)[0].unwrap<GPSPoint>(), nullptr);
-    EXPECT_EQ((*points)[1].number()->doubleValue(), INFINITY);
-    EXPECT_NE((*points)[2].array(), nullptr);
+    EXPECT_NE(points->at(0).unwrap<GPSPoint>(), nullptr);
+    EXPECT_EQ(points->at(1).number()->doubleValue(), INFINITY);
+    EXPECT_NE(points->at(2).array(), nullptr);
 }
 
 TEST(CallLogReader, ADictionaryOfOtherSpellingIsNoPoint) {
@@ -130,14 +132,14 @@ TEST(CallLogReader, ADictionaryOfOtherSpellingIsNoPoint) {
              R"({"latitude":47.1,"longitude":8.5,"altitude":0.0,"time":1})",
              R"({"latitude":47.1,"longitude":8.5,"altitude":0.0,"time":1,"test":0,"x":0})",
          }) {
-        const SpyReceiver receiver =
+        const CallCollector receiver =
             readAll(R"({"call":"newTrack:","extra":{"a":)" + std::string(object) + "}}");
-        EXPECT_NE(receiver.calls.at(0).extra->find(Key("a"))->dictionary(), nullptr) << object;
+        EXPECT_NE(receiver.calls.at(0).extra->find(Key("a")).dictionary(), nullptr) << object;
     }
 }
 
 TEST(CallLogReader, ReadsErrorObjectsWithTheErrorsBelow) {
-    const SpyReceiver receiver =
+    const CallCollector receiver =
         readAll(R"({"call":"error:","error":{"domain":"d","code":-3,"userInfo":{)"
                 R"("NSLocalizedDescription":"text","line":12,"real":"NaN",)"
                 R"("NSUnderlyingError":{"domain":"inner","code":1,"userInfo":{"real":"NaN"}}}}})");
@@ -153,7 +155,7 @@ TEST(CallLogReader, ReadsErrorObjectsWithTheErrorsBelow) {
 }
 
 TEST(CallLogReader, PassesOverLinesOfWhiteSpace) {
-    const SpyReceiver receiver =
+    const CallCollector receiver =
         readAll("\n  \t\r\n{\"call\":\"newTrackSegment\"}\r\n\n{\"call\":\"newTrackSegment\"}");
     EXPECT_THAT(receiver.names(), ElementsAre("newTrackSegment", "newTrackSegment"));
 }
@@ -198,7 +200,7 @@ void PrintTo(const Reject &reject, std::ostream *out) {
 class RejectedLine : public ::testing::TestWithParam<Reject> {};
 
 TEST_P(RejectedLine, EndsTheReadingThere) {
-    SpyReceiver receiver;
+    CallCollector receiver;
     const auto fault = readLog("{\"call\":\"newTrackSegment\"}\n\n" + GetParam().line +
                                    "\n{\"call\":\"endTransfer:\",\"kind\":1}\n",
                                receiver);
@@ -304,7 +306,7 @@ INSTANTIATE_TEST_SUITE_P(
                "an error"}));
 
 TEST(CallLogReader, TellsTheColumnOfBadJSON) {
-    SpyReceiver receiver;
+    CallCollector receiver;
     const auto fault = readLog(R"({"call":newTrackSegment})", receiver);
     ASSERT_TRUE(fault);
     EXPECT_EQ(fault->line, 1);
@@ -312,7 +314,7 @@ TEST(CallLogReader, TellsTheColumnOfBadJSON) {
 }
 
 TEST(CallLogReader, ALineBeyondTheLimitIsAFault) {
-    SpyReceiver receiver;
+    CallCollector receiver;
     const auto fault = readLog("{\"call\":\"newTrackSegment\"}\n" +
                                    std::string(callLogLimits::lineSize + 1, ' ') + "\n",
                                receiver);
@@ -322,8 +324,18 @@ TEST(CallLogReader, ALineBeyondTheLimitIsAFault) {
     EXPECT_THAT(receiver.names(), ElementsAre("newTrackSegment"));
 }
 
+TEST(CallLogReader, ReadingEndsWithoutAFaultWhenItIsToldToStop) {
+    CallCollector receiver;
+    const testing::OpenText file("{\"call\":\"newTrackSegment\"}\n"
+                                 "{\"call\":\"newTrackSegment\"}\nbad\n");
+    CallLogReader reader(receiver);
+    reader.setStop([&receiver] { return receiver.calls.size() == 2; });
+    EXPECT_FALSE(reader.read(file.descriptor()));
+    EXPECT_THAT(receiver.names(), ElementsAre("newTrackSegment", "newTrackSegment"));
+}
+
 TEST(CallLogReader, AFileThatCannotBeReadIsAFault) {
-    SpyReceiver receiver;
+    CallCollector receiver;
     const auto fault = CallLogReader(receiver).read(-1);
     ASSERT_TRUE(fault);
     EXPECT_THAT(fault->message, HasSubstr("Bad file descriptor"));

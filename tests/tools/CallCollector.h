@@ -20,7 +20,7 @@ struct SeenCall {
 };
 
 /// Keeps all calls, in order.
-class SpyReceiver : public GPSOutputReceiver {
+class CallCollector : public GPSOutputReceiver {
   public:
     std::vector<SeenCall> calls;
 
