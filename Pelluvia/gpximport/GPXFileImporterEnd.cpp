@@ -1,7 +1,7 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
 #include <Pelluvia/companion/Companion.h>
-#include <Pelluvia/gpximport/GPXVocabulary.h>
+#include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 #include <Pelluvia/platform/Scanner.h>
 #include <Pelluvia/platform/XMLParser.h>
 

@@ -20,8 +20,8 @@ int main(int argc, char *argv[]) {
     exporter->startTransfer(nullptr, transferKind::tracks, nullptr);
     exporter->newTrack(&track);
     exporter->newTrackSegment();
-    exporter->trackPoint({.latitude = 47.37, .longitude = 8.54, .altitude = 408, .time = 1718000000},
-                         &sample);
+    exporter->trackPoint(
+        {.latitude = 47.37, .longitude = 8.54, .altitude = 408, .time = 1718000000}, &sample);
     exporter->endTransfer(transferKind::tracks);
     exporter->gpsStateChange(gpsState::finished); // closes the file
     std::cout << "written by Pelluvia " << PelluviaVersionNumber << '\n';
