@@ -87,9 +87,8 @@ std::string repeated(std::string_view text, std::size_t count) {
 constexpr std::size_t gigabyte = 1'000'000'000;
 
 TEST(XMLLimits, DepthIsLimited) {
-    const auto nested = [](int depth) {
-        return repeated("<a>", static_cast<std::size_t>(depth)) +
-               repeated("</a>", static_cast<std::size_t>(depth));
+    const auto nested = [](std::size_t depth) {
+        return repeated("<a>", depth) + repeated("</a>", depth);
     };
     EXPECT_EQ(codeOf(nested(xmlLimits::depth)), 0);
     EXPECT_EQ(codeOf(nested(xmlLimits::depth + 1)), 1);

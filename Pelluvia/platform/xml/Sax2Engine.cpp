@@ -6,13 +6,6 @@
 
 namespace pelluvia::xml {
 
-namespace {
-
-const Failure tooManyAttributes{XML_ERR_INTERNAL_ERROR,
-                                "Too many attributes or namespace declarations"};
-
-} // namespace
-
 Sax2Engine::Sax2Engine(XMLParser &parser, Source &source, XMLParserDelegate *delegate,
                        bool resolvesExternalEntities)
     : parser_(parser),
@@ -99,14 +92,13 @@ void Sax2Engine::fail(Failure failure) {
     }
 }
 
+void Sax2Engine::failForAttributes() {
+    fail({XML_ERR_INTERNAL_ERROR, "Too many attributes or namespace declarations"});
+}
+
 void Sax2Engine::stop() noexcept {
     position_ = position();
     stopped_ = true;
-}
-
-void Sax2Engine::halt(xmlParserCtxtPtr context) noexcept {
-    context->disableSAX = 1;
-    context->instate = XML_PARSER_EOF;
 }
 
 /// Gives text to the library. What could occupy it for long between two events is checked here.
@@ -114,7 +106,7 @@ std::size_t Sax2Engine::read(char *to, std::size_t room) {
     // Each attribute and each declaration is compared with all others of its tag.
     if (context_->maxatts > 20 * xmlLimits::attributes ||
         context_->nsMax > 8 * xmlLimits::attributes) {
-        fail(tooManyAttributes);
+        failForAttributes();
     }
     // The library keeps what it has not done with, and blank space outside elements altogether.
     const auto held = static_cast<std::size_t>(documentInput_->end - documentInput_->base);
@@ -150,66 +142,6 @@ void Sax2Engine::libraryError(xmlParserCtxtPtr context, const xmlError &error) {
         }
         misnamed_.clear();
     }
-}
-
-void Sax2Engine::startElement(const xmlParserCtxt &context, const XMLElement &element,
-                              std::span<const xmlChar *> namespaces,
-                              std::span<const Attribute> attributes, std::size_t defaulted) {
-    textSize_ = 0;
-    budget_.endValues();
-    if (++depth_ > xmlLimits::depth) {
-        return fail({XML_ERR_INTERNAL_ERROR, "Excessive depth in document"});
-    }
-    // The library keeps two pointers for each declaration that is in force.
-    if (attributes.size() > xmlLimits::attributes || context.nsNr > 2 * xmlLimits::attributes) {
-        return fail(tooManyAttributes);
-    }
-    for (const Attribute &each : attributes.last(defaulted)) {
-        spend(NameTable::text(each.localName).size() + each.value().size() + 1);
-    }
-    if (!namesOnly_) {
-        reportNamespaces(namespaces);
-        collect(attributes);
-    }
-    if (!stopped_) {
-        delegate_.didStartElement(parser_, element,
-                                  XMLAttributes({attributes_.data(), collected_}));
-    }
-}
-
-void Sax2Engine::reportNamespaces(std::span<const xmlChar *> pairs) {
-    for (std::size_t i = 0; i < pairs.size() && !stopped_; i += 2) {
-        delegate_.didStartMappingPrefix(parser_, NameTable::text(pairs[i]),
-                                        NameTable::text(pairs[i + 1]));
-    }
-}
-
-void Sax2Engine::collect(std::span<const Attribute> attributes) {
-    collected_ = attributes.size();
-    if (attributes_.size() < collected_) {
-        attributes_.resize(collected_);
-    }
-    auto collected = attributes_.begin();
-    for (const Attribute &each : attributes) {
-        const NameTable::Name name = names_->find(each.localName);
-        *collected++ = {name.text, NameTable::text(each.prefix), each.value(), name.number};
-    }
-}
-
-void Sax2Engine::endElement(const XMLElement &element) {
-    textSize_ = 0;
-    --depth_;
-    if (!namesOnly_) {
-        delegate_.didEndElement(parser_, element);
-    }
-}
-
-void Sax2Engine::characters(std::string_view text) {
-    textSize_ += text.size();
-    if (textSize_ > xmlLimits::textSize) {
-        return fail({XML_ERR_INTERNAL_ERROR, "Text too long"});
-    }
-    delegate_.foundCharacters(parser_, text);
 }
 
 } // namespace pelluvia::xml
