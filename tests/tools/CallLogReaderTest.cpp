@@ -323,6 +323,16 @@ TEST(CallLogReader, ALineBeyondTheLimitIsAFault) {
     EXPECT_THAT(receiver.names(), ElementsAre("newTrackSegment"));
 }
 
+TEST(CallLogReader, ReadingEndsWithoutAFaultWhenItIsToldToStop) {
+    CallCollector receiver;
+    const testing::OpenText file("{\"call\":\"newTrackSegment\"}\n"
+                                 "{\"call\":\"newTrackSegment\"}\nbad\n");
+    CallLogReader reader(receiver);
+    reader.setStop([&receiver] { return receiver.calls.size() == 2; });
+    EXPECT_FALSE(reader.read(file.descriptor()));
+    EXPECT_THAT(receiver.names(), ElementsAre("newTrackSegment", "newTrackSegment"));
+}
+
 TEST(CallLogReader, AFileThatCannotBeReadIsAFault) {
     CallCollector receiver;
     const auto fault = CallLogReader(receiver).read(-1);

@@ -59,9 +59,12 @@ class Conversion {
         return result;
     }
 
-    /// Up to the first fault.
+    /// Up to the first fault, or until nothing more can be written.
     int readSources() {
         for (const Source &source : options_.sources) {
+            if (output_.hasFailed()) {
+                break;
+            }
             const auto fault =
                 source.format == Format::GPX ? importGPX(source.path) : readCallLog(source.path);
             if (bar_ != nullptr) {
@@ -107,7 +110,10 @@ class Conversion {
         if (error) {
             return InputFault{.message = error.message()};
         }
-        const auto fault = CallLogReader(*filtered()).read(source.number());
+        const auto receiver = filtered();
+        CallLogReader reader(*receiver);
+        reader.setStop(output_.hasFailed);
+        const auto fault = reader.read(source.number());
         sayWhatWasReported(path);
         if (!fault) {
             return std::nullopt;

@@ -18,6 +18,7 @@ Output openGPX(const std::string &path, const std::shared_ptr<ReportCollector> &
     if (exporter == nullptr) {
         return {.receiver = nullptr,
                 .finish = {},
+                .hasFailed = {},
                 .openFailure = {errno != 0 ? errno : EIO, std::generic_category()}};
     }
     exporter->setErrorObject(collector, &ReportCollector::take);
@@ -28,6 +29,7 @@ Output openGPX(const std::string &path, const std::shared_ptr<ReportCollector> &
                     exporter->gpsStateChange(gpsState::finished);
                     return exporter->writeFailure();
                 },
+            .hasFailed = [exporter] { return bool(exporter->writeFailure()); },
             .openFailure = {}};
 }
 
@@ -36,12 +38,15 @@ Output openCallLog(const std::string &path, const std::shared_ptr<ReportCollecto
     std::error_code error;
     const auto writer = CallLogWriter::initWithPath(path, error);
     if (writer == nullptr) {
-        return {.receiver = nullptr, .finish = {}, .openFailure = error};
+        return {.receiver = nullptr, .finish = {}, .hasFailed = {}, .openFailure = error};
     }
     writer->setErrorObject(collector, &ReportCollector::take);
     writer->setProgress(progress);
     // A log holds what the producers sent and nothing of the host's own.
-    return {.receiver = writer, .finish = [writer] { return writer->close(); }, .openFailure = {}};
+    return {.receiver = writer,
+            .finish = [writer] { return writer->close(); },
+            .hasFailed = [writer] { return bool(writer->failure()); },
+            .openFailure = {}};
 }
 
 } // namespace

@@ -19,6 +19,8 @@ struct Output {
     std::shared_ptr<GPSOutputReceiver> receiver;
     /// Ends and closes the document; no call may follow. The first failure of any write, or none.
     std::function<std::error_code()> finish;
+    /// Whether a write has failed already, so that nothing more will come of this document.
+    std::function<bool()> hasFailed;
     /// Why the document could not be opened.
     std::error_code openFailure;
 

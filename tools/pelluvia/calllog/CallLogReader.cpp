@@ -135,7 +135,7 @@ std::optional<CallLogFault> CallLogReader::read(int descriptor) {
     LineReader lines(descriptor, callLogLimits::lineSize);
     CallLine call;
     std::string_view text;
-    for (std::int64_t number = 1;; ++number) {
+    for (std::int64_t number = 1; !stop_ || !stop_(); ++number) {
         switch (lines.next(text)) {
         case LineReader::Result::End:
             return std::nullopt;
@@ -160,6 +160,7 @@ std::optional<CallLogFault> CallLogReader::read(int descriptor) {
                 .line = number, .column = fault->column, .message = std::move(fault->message)};
         }
     }
+    return std::nullopt;
 }
 
 } // namespace pelluvia

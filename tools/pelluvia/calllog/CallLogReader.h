@@ -3,8 +3,10 @@
 #include <Pelluvia/model/GPSOutputReceiver.h>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace pelluvia {
 
@@ -33,8 +35,13 @@ class CallLogReader {
     /// The descriptor is borrowed.
     [[nodiscard]] std::optional<CallLogFault> read(int descriptor);
 
+    /// Asked before each line: true ends the reading without a fault. For a log that may never end,
+    /// when its receiver has no use for more.
+    void setStop(std::function<bool()> stop) { stop_ = std::move(stop); }
+
   private:
     GPSOutputReceiver &receiver_;
+    std::function<bool()> stop_;
 };
 
 } // namespace pelluvia
