@@ -1,9 +1,9 @@
 #pragma once
 
+#include <Pelluvia/gpximport/CollectedPoint.h>
 #include <Pelluvia/gpximport/CollectedText.h>
 #include <Pelluvia/gpximport/GPXImportCounter.h>
 #include <Pelluvia/model/GPSOutputReceiver.h>
-#include <Pelluvia/model/GPSPoint.h>
 #include <Pelluvia/platform/Dictionary.h>
 #include <Pelluvia/platform/Error.h>
 #include <Pelluvia/platform/Export.h>
@@ -239,7 +239,7 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     ErrorPtr lastError;    // of the structural abort in the current pass
     std::int32_t mode = 0; // the transfer kind of the current pass
     std::shared_ptr<GPXImportCounter> counters;
-    GPSPoint currentPoint;
+    CollectedPoint currentPoint;
     std::int32_t recno = 0;
     float gpxVersion = 0; // 1.0 or 1.1 by the namespace; read by nothing
 
