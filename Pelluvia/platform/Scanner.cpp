@@ -25,8 +25,8 @@ std::size_t digitRun(std::string_view text) noexcept {
 
 /// A decimal number at the start of a text, taken apart.
 struct Decimal {
-    std::size_t length = 0;     // bytes, sign included; 0: there is no number
-    bool negative = false;      //
+    std::size_t length = 0; // bytes, sign included; 0: there is no number
+    bool negative = false;
     std::string_view magnitude; // without the sign, as std::from_chars reads it
     bool large = false;         // at least one: out of range means infinity, otherwise zero
 };
@@ -52,10 +52,10 @@ Exponent exponentPrefix(std::string_view text) noexcept {
     if (digits == 0) {
         return {};
     }
-    constexpr std::int64_t cap = std::int64_t{1} << 60;
+    constexpr std::int64_t cap = std::int64_t{1} << 56;
     std::int64_t value = 0;
     for (const char c : text.substr(position, digits)) {
-        value = std::min(value * 10 + (c - '0'), cap / 16);
+        value = std::min(value * 10 + (c - '0'), cap);
     }
     return {position + digits, negative ? -value : value};
 }
