@@ -1,6 +1,6 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
-#include <Pelluvia/gpximport/GPXVocabulary.h>
+#include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 #include <Pelluvia/model/ErrorDomains.h>
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/TransferKind.h>
