@@ -93,8 +93,9 @@ std::optional<Format> namedFormat(const std::string &path, const std::string &ch
 }
 
 CLI::ValidationError unknownEnding(const std::string &path, const std::string &option) {
-    return {path, "the ending is neither .gpx nor .jsonl; name the format with " + option +
-                      " gpx or " + option + " calls"};
+    return CLI::ValidationError(path,
+                                "the ending is neither .gpx nor .jsonl; name the format with " +
+                                    option + " gpx or " + option + " calls");
 }
 
 Format sourceFormat(const std::string &path, const std::string &chosen) {
