@@ -162,6 +162,8 @@ ErrorPtr GPXFileImporter::runParser(std::int32_t kind) {
     return failed ? parser->parserError() : nullptr;
 }
 
+// An operation of the object, though it needs nothing of it.
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 std::string GPXFileImporter::getLocalErrorFromString(std::string_view string) const {
     return localized(string);
 }
