@@ -45,9 +45,8 @@ class RuleChecker : public GPSOutputReceiver {
         require(transfers_ < 3 && kind == order[transfers_], "routes, waypoints, tracks");
         require(sender == nullptr, "the importer sends no sender");
         require(extra != nullptr && extra->size() == 1, "the count stands alone");
-        const Value *count = extra->find(Key::known("count"));
-        require(count != nullptr && count->kind() == Value::Kind::Integer &&
-                    count->number()->intValue() >= 0,
+        const Value count = extra->find(Key::known("count"));
+        require(count.kind() == Value::Kind::Integer && count.number()->intValue() >= 0,
                 "the count is an integer");
         ++transfers_;
         openKind_ = kind;

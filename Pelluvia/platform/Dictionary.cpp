@@ -191,12 +191,12 @@ void Dictionary::moveTo(std::size_t capacity) {
     if (count >= maxSize) {
         throw std::length_error("a dictionary holds at most 65535 entries");
     }
-    Value record = isCompact() ? find(recordKey) : Value();
+    const Value record = isCompact() ? find(recordKey) : Value();
     Block *block = Block::make(std::min(capacity, maxSize));
     Entry *source = slots();
     for (std::size_t position = 0; position < count; ++position) {
         if (isCompact() && position == recordPosition_) {
-            new (block->slots() + position) Entry(recordKey, std::move(record));
+            new (block->slots() + position) Entry(recordKey, record);
         } else {
             new (block->slots() + position) Entry(std::move(*source));
             std::destroy_at(source++);

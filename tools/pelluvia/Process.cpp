@@ -30,9 +30,10 @@ void takeStandardDescriptors() {
 
 void prepareProcess() {
     takeStandardDescriptors();
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
-    std::setlocale(LC_MESSAGES, "");
+    // None of these can fail for the values given; without a locale the messages stay English.
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
+    static_cast<void>(std::setlocale(LC_MESSAGES, "")); // NOLINT(concurrency-mt-unsafe): one thread
     mainThread::setScheduler([](const mainThread::Message &message) { message(); });
 }
 
