@@ -115,8 +115,8 @@ class PELLUVIA_EXPORT XMLParser {
     /// The error that ended the parse, or null.
     [[nodiscard]] const ErrorPtr &parserError() const noexcept;
     /// Where the parser stands in the document, or where the error that ended it was found; counted
-    /// from 1, or 0 when there is no place. Columns are counted in characters. Within the text of an
-    /// entity the place is that of the reference.
+    /// from 1, or 0 when there is no place. Columns are counted in characters. Within the text of
+    /// an entity the place is that of the reference.
     [[nodiscard]] std::int64_t lineNumber() const noexcept;
     [[nodiscard]] std::int64_t columnNumber() const noexcept;
 

@@ -1,6 +1,6 @@
 #include <Pelluvia/nmea/NMEAUtils.h>
 
-#include <tests/nmea/LogCapture.h>
+#include <tests/support/LogCapture.h>
 
 #include <cstdio>
 #include <gtest/gtest.h>
