@@ -12,6 +12,11 @@
 
 namespace pelluvia {
 
+namespace xml {
+class Sax2Engine;
+class Source;
+} // namespace xml
+
 /// The domain of the errors that the parser makes. Codes are those of the underlying XML library
 /// (for instance 4, empty document; 76, mismatched tags), and the one below.
 inline constexpr std::string_view NSXMLParserErrorDomain = "NSXMLParserErrorDomain";
@@ -25,15 +30,19 @@ inline constexpr std::string_view NSXMLParserErrorColumn = "NSXMLParserErrorColu
 /// Limits on what a document may ask for. Reaching one is a parse error.
 namespace xmlLimits {
 /// Elements inside elements.
-inline constexpr int depth = 256;
+inline constexpr std::size_t depth = 256;
 /// Bytes of the text between two tags, or of one attribute value.
 inline constexpr std::size_t textSize = 10'000'000;
 /// References to entities may make the events of a document larger than the document: by this many
 /// bytes, and beyond them by this factor of what was read.
 inline constexpr std::size_t amplificationAllowance = 1'000'000;
 inline constexpr std::size_t amplificationFactor = 5;
-/// Bytes of one external entity.
+/// Bytes of all external entities of a document together. What would exceed it is not read.
 inline constexpr std::size_t externalEntitySize = 10'000'000;
+/// Bytes of the document type declaration, with its external parts.
+inline constexpr std::size_t declarationsSize = 256'000;
+/// Attributes of an element, and namespace declarations in force.
+inline constexpr int attributes = 500;
 } // namespace xmlLimits
 
 /// Reads one XML 1.0 document from a file and reports it to a delegate event by event, in constant
@@ -89,11 +98,16 @@ class PELLUVIA_EXPORT XMLParser {
     [[nodiscard]] std::int64_t lineNumber() const noexcept;
     [[nodiscard]] std::int64_t columnNumber() const noexcept;
 
-  private:
-    class Engine;
-    explicit XMLParser(std::unique_ptr<Engine> engine);
+    /// A parser for something else than a file. Not for hosts: they cannot make a source.
+    explicit XMLParser(std::unique_ptr<xml::Source> source);
 
-    std::unique_ptr<Engine> engine_;
+  private:
+    std::unique_ptr<xml::Source> source_;
+    std::unique_ptr<xml::Sax2Engine> engine_; ///< once the parse has begun
+    XMLParserDelegate *delegate_ = nullptr;
+    bool resolvesExternalEntities_ = false;
+    bool parsed_ = false;
+    ErrorPtr error_;
 };
 
 } // namespace pelluvia

@@ -86,13 +86,11 @@ class CallList : public GPSOutputReceiver {
     static SeenPoint seen(GPSPoint point, const Dictionary *extra) {
         SeenPoint result{point, std::nullopt, {}};
         if (extra != nullptr) {
-            if (const Value *speed = extra->find(extras::speed)) {
-                EXPECT_EQ(speed->kind(), Value::Kind::Float);
-                result.speed = speed->number()->floatValue();
+            if (const auto speed = extra->number(extras::speed)) {
+                EXPECT_EQ(speed->type(), Number::Type::Float);
+                result.speed = speed->floatValue();
             }
-            if (const Value *name = extra->find(extras::name)) {
-                result.name = *name->string();
-            }
+            result.name = extra->string(extras::name).value_or("");
         }
         return result;
     }

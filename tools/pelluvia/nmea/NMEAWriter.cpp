@@ -14,13 +14,11 @@ namespace pelluvia::nmea {
 namespace {
 
 std::string_view textUnder(const Key &key, const Dictionary *extra) {
-    const Value *const value = extra != nullptr ? extra->find(key) : nullptr;
-    return value != nullptr ? value->string().value_or("") : std::string_view();
+    return extra != nullptr ? extra->string(key).value_or("") : std::string_view();
 }
 
 std::optional<Number> numberUnder(const Key &key, const Dictionary *extra) {
-    const Value *const value = extra != nullptr ? extra->find(key) : nullptr;
-    return value != nullptr ? value->number() : std::nullopt;
+    return extra != nullptr ? extra->number(key) : std::nullopt;
 }
 
 /// The name of a route, or without one its number.

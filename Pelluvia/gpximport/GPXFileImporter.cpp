@@ -1,0 +1,211 @@
+#include <Pelluvia/gpximport/GPXFileImporter.h>
+
+#include <Pelluvia/gpximport/GPXVocabulary.h>
+#include <Pelluvia/model/ErrorDomains.h>
+#include <Pelluvia/model/ExtrasKeys.h>
+#include <Pelluvia/model/TransferKind.h>
+#include <Pelluvia/platform/Localization.h>
+#include <Pelluvia/platform/Log.h>
+#include <Pelluvia/platform/XMLParser.h>
+
+#include <initializer_list>
+#include <utility>
+
+namespace pelluvia {
+
+namespace {
+
+/// What most texts of a GPX file need at most.
+constexpr std::size_t usualTextSize = 50;
+
+/// An error in one line.
+std::string lineOf(const ErrorPtr &error) {
+    if (error == nullptr) {
+        return "(null)";
+    }
+    return "Error Domain=" + error->domain() + " Code=" + std::to_string(error->code()) + " \"" +
+           error->localizedDescription() + "\"";
+}
+
+std::unique_ptr<XMLParser> parserOf(const std::optional<URL> &url, XMLParserDelegate &delegate) {
+    auto parser = XMLParser::initWithContentsOfURL(url);
+    if (parser != nullptr) {
+        parser->setShouldResolveExternalEntities(true);
+        parser->setDelegate(&delegate);
+    }
+    return parser;
+}
+
+using InfoPair = std::pair<std::string_view, std::optional<ErrorValue>>;
+
+/// User information of the pairs before the first one that has no value.
+ErrorInfo infoUpToFirstAbsent(std::initializer_list<InfoPair> pairs) {
+    ErrorInfo info;
+    for (const auto &[key, value] : pairs) {
+        if (!value.has_value()) {
+            break;
+        }
+        info.emplace_back(key, *value);
+    }
+    return info;
+}
+
+/// The number of items that a transfer of this kind is announced with.
+std::int32_t expectedCount(const GPXImportCounter *counters, std::int32_t kind) noexcept {
+    if (counters == nullptr) {
+        return 0;
+    }
+    switch (kind) {
+    case transferKind::tracks:
+        return counters->tracksegments();
+    case transferKind::routes:
+        return counters->routepoints();
+    case transferKind::waypoints:
+        return counters->waypoints();
+    default:
+        return 0;
+    }
+}
+
+} // namespace
+
+std::shared_ptr<GPXFileImporter>
+GPXFileImporter::initWithReceiver(std::shared_ptr<GPSOutputReceiver> receiver) {
+    struct Instance : GPXFileImporter {
+        explicit Instance(std::shared_ptr<GPSOutputReceiver> itsReceiver)
+            : GPXFileImporter(std::move(itsReceiver)) {}
+    };
+    return std::make_shared<Instance>(std::move(receiver));
+}
+
+GPXFileImporter::GPXFileImporter(std::shared_ptr<GPSOutputReceiver> receiver)
+    : output(std::move(receiver)),
+      doTracks(true),
+      doRoutes(true),
+      doWaypoints(true),
+      mode(transferKind::tracks) {
+    currentStringValue.reserve(usualTextSize);
+}
+
+GPXFileImporter::~GPXFileImporter() = default;
+
+void GPXFileImporter::setDoTracks(bool should) noexcept {
+    doTracks = should;
+}
+
+void GPXFileImporter::setDoRoutes(bool should) noexcept {
+    doRoutes = should;
+}
+
+void GPXFileImporter::setDoWaypoints(bool should) noexcept {
+    doWaypoints = should;
+}
+
+std::optional<URL> GPXFileImporter::fileURL() const {
+    const std::scoped_lock lock(fileURLMutex);
+    return _fileURL;
+}
+
+void GPXFileImporter::setFileURL(std::optional<URL> newURL) {
+    const std::scoped_lock lock(fileURLMutex);
+    _fileURL.swap(newURL); // the old one is destroyed outside the lock
+}
+
+ErrorPtr GPXFileImporter::processFile(std::string_view filePath) {
+    setFileURL(URL::fileURLWithPath(filePath));
+    return processURL(fileURL());
+}
+
+ErrorPtr GPXFileImporter::processURL(const std::optional<URL> & /*url*/) {
+    countElements();
+    if (output == nullptr) {
+        return Error::make(gpsPluginErrorDomain, gpsPluginFailure);
+    }
+    if (doRoutes) {
+        if (ErrorPtr error = runParser(transferKind::routes)) {
+            return error;
+        }
+    }
+    if (doWaypoints) {
+        if (ErrorPtr error = runParser(transferKind::waypoints)) {
+            return error;
+        }
+    }
+    return doTracks ? runParser(transferKind::tracks) : nullptr;
+}
+
+void GPXFileImporter::countElements() {
+    counters = GPXImportCounter::init();
+    const auto parser = parserOf(fileURL(), *counters);
+    if (parser == nullptr || !parser->parse()) {
+        const ErrorPtr error = parser != nullptr ? parser->parserError() : nullptr;
+        logLine("parse error, but continuing, since it might be readible (error = " +
+                lineOf(error) + ")");
+    }
+}
+
+ErrorPtr GPXFileImporter::runParser(std::int32_t kind) {
+    recno = 0;
+    mode = kind;
+    lastError = nullptr;
+    const auto parser = parserOf(fileURL(), *this);
+
+    if (output != nullptr) {
+        Dictionary extra;
+        extra.set(extras::count, Value(expectedCount(counters.get(), kind)));
+        output->startTransfer(nullptr, kind, &extra);
+    }
+    const bool failed = parser != nullptr && !parser->parse();
+    if (output != nullptr) {
+        output->endTransfer(kind);
+    }
+    return failed ? parser->parserError() : nullptr;
+}
+
+std::string GPXFileImporter::getLocalErrorFromString(std::string_view string) const {
+    return localized(string);
+}
+
+void GPXFileImporter::abortParser(XMLParser &parser, std::string_view message) {
+    const std::string text = getLocalErrorFromString(message);
+    const std::string recovery = getLocalErrorFromString("Try a different file");
+    const ErrorPtr inner =
+        Error::make(gpxFileImporterErrorDomain, gpxFileImporterStructuralError,
+                    infoUpToFirstAbsent({{NSLocalizedDescriptionKey, text},
+                                         {NSLocalizedRecoverySuggestionErrorKey, recovery},
+                                         {NSFilePathErrorKey, path}}));
+    lastError = Error::make(gpsPluginErrorDomain, gpsPluginStructuralError,
+                            infoUpToFirstAbsent({{NSLocalizedDescriptionKey, text},
+                                                 {NSLocalizedRecoverySuggestionErrorKey, recovery},
+                                                 {NSFilePathErrorKey, path},
+                                                 {NSUnderlyingErrorKey, inner}}));
+    parser.abortParsing();
+}
+
+void GPXFileImporter::parseErrorOccurred(XMLParser &parser, const ErrorPtr &error) {
+    const ErrorPtr &told = lastError != nullptr ? lastError : error;
+    if (output != nullptr) {
+        output->error(told != nullptr ? Report(told) : Report());
+    }
+    if (lastError == nullptr) {
+        const ErrorPtr &current = parser.parserError();
+        logLine(
+            "Error " + std::to_string(error != nullptr ? error->code() : 0) +
+            ", Description: " + (current != nullptr ? current->localizedDescription() : "(null)") +
+            ", Line: " + std::to_string(parser.lineNumber()) +
+            ", Column: " + std::to_string(parser.columnNumber()));
+    }
+}
+
+void GPXFileImporter::didStartMappingPrefix(XMLParser & /*parser*/, std::string_view /*prefix*/,
+                                            std::string_view /*uri*/) {}
+
+XMLVocabulary GPXFileImporter::vocabulary() const {
+    return gpxVocabulary::vocabulary;
+}
+
+bool GPXFileImporter::sends(std::int32_t kind) const noexcept {
+    return mode == kind && output != nullptr;
+}
+
+} // namespace pelluvia

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <utility>
+
+#include <sys/types.h>
+
+namespace pelluvia::xml {
+
+/// Where the bytes of a document come from.
+class Source {
+  public:
+    Source() = default;
+    Source(const Source &) = delete;
+    Source &operator=(const Source &) = delete;
+    virtual ~Source() = default;
+
+    /// Gets ready to be read. Returns 0 or an `errno` value.
+    [[nodiscard]] virtual int open() { return 0; }
+    /// Reads at most `size` bytes. Returns their number, 0 at the end, or a negated `errno` value.
+    [[nodiscard]] virtual ssize_t read(char *to, std::size_t size) = 0;
+
+    /// The path of the document, or an empty one when it is not in a file.
+    [[nodiscard]] virtual std::string path() const { return {}; }
+    /// The open file, or -1.
+    [[nodiscard]] virtual int descriptor() const noexcept { return -1; }
+};
+
+/// A file. Closed when the object goes.
+class FileSource final : public Source {
+  public:
+    /// The file at a path, opened by `open`.
+    explicit FileSource(std::string path) : path_(std::move(path)) {}
+    /// A file that is open already; takes it over.
+    explicit FileSource(int descriptor) : descriptor_(descriptor) {}
+    ~FileSource() override;
+
+    [[nodiscard]] int open() override;
+    [[nodiscard]] ssize_t read(char *to, std::size_t size) override;
+    [[nodiscard]] std::string path() const override { return path_; }
+    [[nodiscard]] int descriptor() const noexcept override { return descriptor_; }
+
+  private:
+    std::string path_;
+    int descriptor_ = -1;
+};
+
+} // namespace pelluvia::xml

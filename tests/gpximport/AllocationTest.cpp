@@ -1,0 +1,64 @@
+#include <Pelluvia/model/TransferKind.h>
+#include <tests/gpximport/Importing.h>
+#include <tests/support/NullReceiver.h>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <memory>
+#include <new>
+#include <string>
+
+/// \file
+/// Counts what the C++ side of an import allocates, by replacing the operators of this program. The
+/// XML library's own memory does not go this way.
+
+namespace {
+
+std::atomic<std::size_t> allocations = 0;
+
+} // namespace
+
+void *operator new(std::size_t size) {
+    ++allocations;
+    if (void *memory = std::malloc(size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+void operator delete(void *memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void *memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
+}
+
+namespace pelluvia {
+namespace {
+
+/// The allocations of the import of a track with so many points.
+std::size_t allocationsFor(int points) {
+    std::string content;
+    for (int point = 0; point < points; ++point) {
+        content += "<trkpt lat='47.123456' lon='8.123456'><ele>431.25</ele>"
+                   "<time>2020-06-01T08:26:40Z</time><extensions><tpx:TrackPointExtension>"
+                   "<tpx:atemp>21.5</tpx:atemp><tpx:hr>120</tpx:hr><tpx:cad>80</tpx:cad>"
+                   "</tpx:TrackPointExtension></extensions></trkpt>\n";
+    }
+    const testing::TemporaryFolder folder;
+    const std::string path =
+        folder.write("ride.gpx", testing::gpx("<trk><trkseg>" + content + "</trkseg></trk>"));
+    const auto importer =
+        GPXFileImporter::initWithReceiver(std::make_shared<testing::NullReceiver>());
+    const std::size_t before = allocations;
+    EXPECT_EQ(importer->processFile(path), nullptr);
+    return allocations - before;
+}
+
+TEST(Allocation, DoesNotDependOnTheNumberOfPointsWithoutTexts) {
+    EXPECT_EQ(allocationsFor(10), allocationsFor(10'000));
+}
+
+} // namespace
+} // namespace pelluvia

@@ -1,0 +1,22 @@
+#include <Pelluvia/model/TransferKind.h>
+
+#include <gtest/gtest.h>
+#include <type_traits>
+
+namespace pelluvia {
+namespace {
+
+TEST(TransferKind, HasTheNumbersOfTheProtocol) {
+    static_assert(std::is_same_v<decltype(transferKind::tracks), const int>);
+    EXPECT_EQ(transferKind::tracks, 1);
+    EXPECT_EQ(transferKind::routes, 2);
+    EXPECT_EQ(transferKind::waypoints, 3);
+}
+
+TEST(GPSState, FinishedIsZero) {
+    static_assert(std::is_same_v<decltype(gpsState::finished), const int>);
+    EXPECT_EQ(gpsState::finished, 0);
+}
+
+} // namespace
+} // namespace pelluvia

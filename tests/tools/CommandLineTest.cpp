@@ -1,0 +1,167 @@
+#include <tools/pelluvia/CommandLine.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace pelluvia::host {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+Command parsed(std::vector<const char *> arguments) {
+    arguments.insert(arguments.begin(), "pelluvia");
+    return parseCommandLine(static_cast<int>(arguments.size()), arguments.data());
+}
+
+ConvertOptions convertOf(std::vector<const char *> arguments) {
+    const Command command = parsed(std::move(arguments));
+    if (const auto *answer = std::get_if<Answer>(&command)) {
+        ADD_FAILURE() << answer->complaint << answer->output;
+        return {};
+    }
+    return std::get<ConvertOptions>(command);
+}
+
+Answer answerTo(std::vector<const char *> arguments) {
+    const Command command = parsed(std::move(arguments));
+    if (!std::holds_alternative<Answer>(command)) {
+        ADD_FAILURE() << "was accepted";
+        return {};
+    }
+    return std::get<Answer>(command);
+}
+
+TEST(CommandLine, TheLastPathIsTheTargetAndTheOthersAreSources) {
+    const ConvertOptions options = convertOf({"convert", "a.gpx", "b.jsonl", "c.gpx"});
+    ASSERT_EQ(options.sources.size(), 2U);
+    EXPECT_EQ(options.sources[0].path, "a.gpx");
+    EXPECT_EQ(options.sources[0].format, Format::GPX);
+    EXPECT_EQ(options.sources[1].path, "b.jsonl");
+    EXPECT_EQ(options.sources[1].format, Format::Calls);
+    EXPECT_EQ(options.target, "c.gpx");
+    EXPECT_EQ(options.targetFormat, Format::GPX);
+    EXPECT_TRUE(options.only.isEverything());
+    EXPECT_FALSE(options.quiet);
+    EXPECT_FALSE(options.verbose);
+    EXPECT_EQ(options.creator, "");
+}
+
+TEST(CommandLine, AnEndingTellsTheFormatInAnyCase) {
+    const ConvertOptions options = convertOf({"convert", "A.GPX", "B.JsonL"});
+    EXPECT_EQ(options.sources[0].format, Format::GPX);
+    EXPECT_EQ(options.targetFormat, Format::Calls);
+}
+
+TEST(CommandLine, OptionsNameTheFormatWhateverTheEnding) {
+    const ConvertOptions options =
+        convertOf({"convert", "--from", "calls", "--to", "gpx", "a.gpx", "b", "c.jsonl"});
+    EXPECT_EQ(options.sources[0].format, Format::Calls);
+    EXPECT_EQ(options.sources[1].format, Format::Calls);
+    EXPECT_EQ(options.targetFormat, Format::GPX);
+}
+
+TEST(CommandLine, StandardInputAndOutputAreGPXUnlessSaidOtherwise) {
+    const ConvertOptions plain = convertOf({"convert", "-", "-"});
+    EXPECT_EQ(plain.sources[0].format, Format::GPX);
+    EXPECT_EQ(plain.targetFormat, Format::GPX);
+    const ConvertOptions calls = convertOf({"convert", "--to", "calls", "-", "-"});
+    EXPECT_EQ(calls.sources[0].format, Format::GPX);
+    EXPECT_EQ(calls.targetFormat, Format::Calls);
+}
+
+TEST(CommandLine, OptionsMayFollowThePaths) {
+    const ConvertOptions options =
+        convertOf({"convert", "a.gpx", "b.gpx", "--only", "tracks,waypoints", "-q", "-v",
+                   "--classic", "--creator", "Tom & \xC3\x84nne"});
+    EXPECT_EQ(options.sources.size(), 1U);
+    EXPECT_TRUE(options.only.tracks);
+    EXPECT_FALSE(options.only.routes);
+    EXPECT_TRUE(options.only.waypoints);
+    EXPECT_TRUE(options.quiet);
+    EXPECT_TRUE(options.verbose);
+    EXPECT_EQ(options.creator, "Tom &amp; &#196;nne");
+}
+
+TEST(CommandLine, AnOptionTakesOneArgumentOnly) {
+    const ConvertOptions options =
+        convertOf({"convert", "--only", "tracks", "--creator", "me", "a.gpx", "b.gpx"});
+    EXPECT_EQ(options.sources.size(), 1U);
+    EXPECT_EQ(options.target, "b.gpx");
+}
+
+TEST(CommandLine, InfoTakesAnyNumberOfFiles) {
+    const Command command = parsed({"info", "--json", "a.gpx", "-", "b"});
+    const auto *options = std::get_if<InfoOptions>(&command);
+    ASSERT_NE(options, nullptr);
+    EXPECT_THAT(options->files, ::testing::ElementsAre("a.gpx", "-", "b"));
+    EXPECT_TRUE(options->json);
+}
+
+struct Wrong {
+    std::vector<const char *> arguments;
+    const char *reason;
+    const char *usage;
+};
+
+class WrongUsage : public ::testing::TestWithParam<Wrong> {};
+
+TEST_P(WrongUsage, IsAnsweredWithTheReasonAndTheUsage) {
+    const Answer answer = answerTo(GetParam().arguments);
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_THAT(answer.output, IsEmpty());
+    EXPECT_THAT(answer.complaint, AllOf(StartsWith("pelluvia: "), HasSubstr(GetParam().reason),
+                                        HasSubstr(GetParam().usage)));
+}
+
+constexpr const char *programUsage = "Usage: pelluvia COMMAND";
+constexpr const char *convertUsage = "Usage: pelluvia convert [OPTIONS] SOURCE... TARGET";
+constexpr const char *infoUsage = "Usage: pelluvia info [OPTIONS] FILE...";
+
+INSTANTIATE_TEST_SUITE_P(
+    CommandLine, WrongUsage,
+    ::testing::Values(
+        Wrong{{}, "a command is needed", programUsage},
+        Wrong{{"--nonsense"}, "no command or option \"--nonsense\"", programUsage},
+        Wrong{{"transmute", "a.gpx"}, "no command or option \"transmute\"", programUsage},
+        Wrong{{"convert"}, "a source and a target are needed", convertUsage},
+        Wrong{{"convert", "a.gpx"}, "a source and a target are needed", convertUsage},
+        Wrong{{"convert", "--nonsense", "a.gpx", "b.gpx"}, "--nonsense", convertUsage},
+        Wrong{{"convert", "a.txt", "b.gpx"}, "a.txt: the ending is neither", convertUsage},
+        Wrong{{"convert", "a.gpx", "b"}, "--to gpx or --to calls", convertUsage},
+        Wrong{{"convert", "--from", "kml", "a", "b.gpx"}, "kml", convertUsage},
+        Wrong{{"convert", "--to", "kml", "a.gpx", "b"}, "kml", convertUsage},
+        Wrong{{"convert", "--only", "laps", "a.gpx", "b.gpx"}, "\"laps\" is not", convertUsage},
+        Wrong{{"convert", "--only", "tracks,", "a.gpx", "b.gpx"}, "\"\" is not", convertUsage},
+        Wrong{{"convert", "--only", "", "a.gpx", "b.gpx"}, "--only", convertUsage},
+        Wrong{{"convert", "--creator", "a\nb", "a.gpx", "b.gpx"}, "--creator", convertUsage},
+        Wrong{{"convert", "--creator", "\xFF", "a.gpx", "b.gpx"}, "--creator", convertUsage},
+        Wrong{{"convert", "-", "-", "b.gpx"}, "only once", convertUsage},
+        Wrong{{"info"}, "a file is needed", infoUsage},
+        Wrong{{"info", "-", "-"}, "only once", infoUsage},
+        Wrong{{"info", "--xml", "a.gpx"}, "--xml", infoUsage}));
+
+TEST(CommandLine, HelpIsAnsweredForTheProgramAndForEachCommand) {
+    for (const auto &[arguments, text] :
+         std::vector<std::pair<std::vector<const char *>, const char *>>{
+             {{"--help"}, "convert"},
+             {{"convert", "--help"}, "Exit status:"},
+             {{"info", "-h"}, "Exit status:"},
+             {{"convert", "--help", "--nonsense"}, convertUsage}}) {
+        const Answer answer = answerTo(arguments);
+        EXPECT_EQ(answer.status, 0);
+        EXPECT_THAT(answer.output, AllOf(HasSubstr("Usage: pelluvia"), HasSubstr(text)));
+        EXPECT_THAT(answer.complaint, IsEmpty());
+    }
+}
+
+TEST(CommandLine, TheVersionIsThatOfTheFramework) {
+    EXPECT_EQ(answerTo({"--version"}).output, "pelluvia 1.0\n");
+}
+
+} // namespace
+} // namespace pelluvia::host

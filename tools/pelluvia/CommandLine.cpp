@@ -1,0 +1,226 @@
+#include <tools/pelluvia/CommandLine.h>
+
+#include <tools/pelluvia/CommandTexts.h>
+#include <tools/pelluvia/CreatorText.h>
+#include <tools/pelluvia/ExitStatus.h>
+
+#include <Pelluvia/model/Version.h>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <optional>
+#include <sstream>
+#include <string_view>
+#include <utility>
+
+namespace pelluvia::host {
+
+namespace {
+
+constexpr int helpColumn = 34;
+
+/// What CLI11 puts the arguments of all commands into.
+struct Arguments {
+    std::string from;
+    std::string to;
+    std::optional<std::string> only;
+    std::string creator;
+    bool classic = false;
+    bool quiet = false;
+    bool json = false;
+    bool verbose = false;
+    std::vector<std::string> files;
+};
+
+/// Prints our own usage lines, which say more than the ones that can be made from the options.
+class UsageFormatter : public CLI::Formatter {
+  public:
+    std::string make_usage(const CLI::App *app, std::string /*name*/) const override {
+        return "Usage: " + std::string(usageOf(app->get_name())) + "\n";
+    }
+};
+
+std::string versionText() {
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(),
+                                   PelluviaVersionNumber, std::chars_format::fixed, 1);
+    return "pelluvia " + std::string(digits.data(), end.ptr);
+}
+
+/// Throws unless the text is a list of kinds.
+Selection selectionOf(const std::string &list) {
+    Selection only{.tracks = false, .routes = false, .waypoints = false};
+    std::string_view rest = list;
+    for (bool isLast = false; !isLast;) {
+        const std::size_t comma = rest.find(',');
+        const std::string kind(rest.substr(0, comma));
+        isLast = comma == std::string_view::npos;
+        rest.remove_prefix(isLast ? rest.size() : comma + 1);
+        bool *chosen = kind == "tracks"      ? &only.tracks
+                       : kind == "routes"    ? &only.routes
+                       : kind == "waypoints" ? &only.waypoints
+                                             : nullptr;
+        if (chosen == nullptr) {
+            throw CLI::ValidationError("--only",
+                                       "\"" + kind + "\" is not one of tracks, routes, waypoints");
+        }
+        *chosen = true;
+    }
+    return only;
+}
+
+std::string lowered(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
+    return text;
+}
+
+/// The format that an option names, or, when it names none, the ending of the path.
+Format formatOf(const std::string &path, const std::string &chosen, const std::string &option) {
+    const std::string name = lowered(path);
+    if (chosen == "gpx" || (chosen.empty() && (path == "-" || name.ends_with(".gpx")))) {
+        return Format::GPX;
+    }
+    if (chosen == "calls" || (chosen.empty() && name.ends_with(".jsonl"))) {
+        return Format::Calls;
+    }
+    throw CLI::ValidationError(path,
+                               "the ending is neither .gpx nor .jsonl; name the format with " +
+                                   option + " gpx or " + option + " calls");
+}
+
+void refuseSecondStandardInput(const std::vector<std::string> &paths) {
+    if (std::count(paths.begin(), paths.end(), "-") > 1) {
+        throw CLI::ValidationError("-", "standard input can be read only once");
+    }
+}
+
+ConvertOptions convertOptions(const Arguments &arguments) {
+    if (arguments.files.size() < 2) {
+        throw CLI::RequiredError("TARGET");
+    }
+    ConvertOptions options;
+    std::vector<std::string> sources = arguments.files;
+    options.target = sources.back();
+    sources.pop_back();
+    refuseSecondStandardInput(sources);
+    for (const std::string &path : sources) {
+        options.sources.push_back({path, formatOf(path, arguments.from, "--from")});
+    }
+    options.targetFormat = formatOf(options.target, arguments.to, "--to");
+    if (arguments.only) {
+        options.only = selectionOf(*arguments.only);
+    }
+    const auto creator = attributeText(arguments.creator);
+    if (!creator) {
+        throw CLI::ValidationError("--creator",
+                                   "the text must be UTF-8 without control characters");
+    }
+    options.creator = *creator;
+    options.quiet = arguments.quiet;
+    options.verbose = arguments.verbose;
+    return options;
+}
+
+InfoOptions infoOptions(const Arguments &arguments) {
+    refuseSecondStandardInput(arguments.files);
+    return {.files = arguments.files, .json = arguments.json, .verbose = arguments.verbose};
+}
+
+CLI::App *addConvert(CLI::App &app, Arguments &arguments) {
+    CLI::App *command = app.add_subcommand("convert", "Convert GPX files and call logs");
+    command->footer(std::string(convertFooter));
+    command->add_option("--from", arguments.from, "Format of the sources, whatever their names")
+        ->option_text("gpx|calls")
+        ->check(CLI::IsMember({"gpx", "calls"}));
+    command->add_option("--to", arguments.to, "Format of the target, whatever its name")
+        ->option_text("gpx|calls")
+        ->check(CLI::IsMember({"gpx", "calls"}));
+    command->add_option("--only", arguments.only, "Convert only these kinds of transfers")
+        ->option_text("tracks,routes,waypoints");
+    command->add_flag("--classic", arguments.classic,
+                      "Nothing between producer and receiver (so it is anyway)");
+    command->add_option("--creator", arguments.creator, "The creator named in a GPX header")
+        ->option_text("TEXT");
+    command->add_flag("-q,--quiet", arguments.quiet, "No progress bar");
+    command->add_flag("-v,--verbose", arguments.verbose,
+                      "Log lines on standard error, not in the system log");
+    command->add_option("SOURCE... TARGET", arguments.files, "Files; - is standard input or output")
+        ->option_text(" ")
+        ->required()
+        ->expected(1, CLI::detail::expected_max_vector_size);
+    return command;
+}
+
+CLI::App *addInfo(CLI::App &app, Arguments &arguments) {
+    CLI::App *command = app.add_subcommand("info", "Show what GPX files hold");
+    command->footer(std::string(infoFooter));
+    command->add_flag("--json", arguments.json, "One JSON object a file, each on a line");
+    command->add_flag("-v,--verbose", arguments.verbose,
+                      "Log lines on standard error, not in the system log");
+    command->add_option("FILE", arguments.files, "GPX files; - is standard input")
+        ->option_text("...")
+        ->required();
+    return command;
+}
+
+/// A complaint about the usage of the command that was named, or of the program.
+Answer complaintOf(const CLI::App &app, const std::string &message) {
+    const auto named = app.get_subcommands();
+    const std::string command = named.empty() ? std::string() : named.back()->get_name();
+    const std::string program = command.empty() ? "pelluvia" : "pelluvia " + command;
+    return {.status = exitStatus::wrongUsage,
+            .output = {},
+            .complaint = "pelluvia: " + message + "\nUsage: " +
+                         std::string(usageOf(command.empty() ? "pelluvia" : command)) +
+                         "\nTry: " + program + " --help\n"};
+}
+
+/// What a command line without a command, or a command without its files, lacks.
+std::string whatIsMissing(const CLI::App &app) {
+    const auto named = app.get_subcommands();
+    if (!named.empty()) {
+        return missingFilesOf(named.back()->get_name());
+    }
+    const std::vector<std::string> rest = app.remaining();
+    return rest.empty() ? "a command is needed: convert or info"
+                        : "there is no command or option \"" + rest.front() + "\"";
+}
+
+/// Help and the version, which CLI11 reports as exceptions of its own.
+Answer answerOf(const CLI::App &app, const CLI::Success &request) {
+    std::ostringstream output;
+    app.exit(request, output, output);
+    return {.status = exitStatus::done, .output = output.str(), .complaint = {}};
+}
+
+} // namespace
+
+Command parseCommandLine(int argc, const char *const *argv) {
+    Arguments arguments;
+    CLI::App app("Moves GPS data between GPX files and call logs.", "pelluvia");
+    app.formatter(std::make_shared<UsageFormatter>());
+    app.get_formatter()->column_width(helpColumn);
+    app.set_version_flag("--version", versionText(), "Print the version and exit");
+    app.set_help_flag("-h,--help", "Print this help and exit");
+    app.footer(std::string(programFooter));
+    app.require_subcommand(1);
+    const CLI::App *convert = addConvert(app, arguments);
+    addInfo(app, arguments);
+    try {
+        app.parse(argc, argv);
+        return *convert ? Command(convertOptions(arguments)) : Command(infoOptions(arguments));
+    } catch (const CLI::Success &request) {
+        return answerOf(app, request);
+    } catch (const CLI::RequiredError &) {
+        return complaintOf(app, whatIsMissing(app));
+    } catch (const CLI::Error &error) {
+        return complaintOf(app, error.what());
+    }
+}
+
+} // namespace pelluvia::host

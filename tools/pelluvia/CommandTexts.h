@@ -1,0 +1,77 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// \file
+/// The texts of the help pages that are not made from the options.
+
+namespace pelluvia::host {
+
+/// How a command, or the program ("pelluvia"), is called.
+[[nodiscard]] constexpr std::string_view usageOf(std::string_view command) {
+    if (command == "convert") {
+        return "pelluvia convert [OPTIONS] SOURCE... TARGET";
+    }
+    if (command == "info") {
+        return "pelluvia info [OPTIONS] FILE...";
+    }
+    return "pelluvia COMMAND ... | --version | --help";
+}
+
+/// What to say when a command is called without its files.
+[[nodiscard]] inline std::string missingFilesOf(std::string_view command) {
+    return command == "convert" ? "a source and a target are needed"
+                                : "a file is needed; - is standard input";
+}
+
+inline constexpr std::string_view programFooter =
+    R"(Each command has its own page: pelluvia convert --help, pelluvia info --help.
+
+Examples:
+  pelluvia convert ride.gpx clean.gpx
+  pelluvia convert --to calls ride.gpx -
+  pelluvia info ride.gpx)";
+
+inline constexpr std::string_view convertFooter =
+    R"(All sources are read, one after the other, into the one target. Formats are told
+by the ending, .gpx or .jsonl (a call log: one call a line), unless --from or --to
+name them; standard input and output are GPX unless they do.
+
+Of a route, a GPX target holds the name and the comment but not the points; a call
+log holds all that was read.
+
+The target gets its name when it is complete. When a source turns out bad, what was
+read before the fault is kept and said to be partial: under the target's name, or as
+TARGET.partial when a file of that name is already there.
+
+Exit status:
+  0  done
+  1  a source was missing, unreadable or bad
+  2  wrong usage
+  3  the target could not be written; what was there is as it was
+
+Examples:
+  pelluvia convert monday.gpx tuesday.gpx week.gpx
+  pelluvia convert --only waypoints caches.gpx waypoints.gpx
+  pelluvia convert --to calls ride.gpx - | less
+  pelluvia convert calls.jsonl ride.gpx
+  zcat ride.gpx.gz | pelluvia convert - ride.gpx)";
+
+inline constexpr std::string_view infoFooter =
+    R"(Prints for each file how many waypoints, routes and tracks it holds, their bounds and
+the first and last time of their points. Positions off the globe do not count for the
+bounds.
+
+Exit status:
+  0  done
+  1  a file was missing, unreadable or bad; what was counted before the fault is
+     printed and said to be partial, and the other files are handled
+  2  wrong usage
+  3  the result could not be written
+
+Examples:
+  pelluvia info *.gpx
+  pelluvia info --json ride.gpx | jq .tracks)";
+
+} // namespace pelluvia::host

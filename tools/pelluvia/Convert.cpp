@@ -1,0 +1,201 @@
+#include <tools/pelluvia/Convert.h>
+
+#include <tools/pelluvia/CallFilter.h>
+#include <tools/pelluvia/ExitStatus.h>
+#include <tools/pelluvia/InputFault.h>
+#include <tools/pelluvia/Messages.h>
+#include <tools/pelluvia/Output.h>
+#include <tools/pelluvia/ProgressBar.h>
+#include <tools/pelluvia/SourceFile.h>
+#include <tools/pelluvia/TargetFile.h>
+#include <tools/pelluvia/calllog/CallLogReader.h>
+
+#include <Pelluvia/gpximport/GPXFileImporter.h>
+#include <Pelluvia/gpxwriter/GPXExporter.h>
+
+#include <algorithm>
+#include <optional>
+#include <unistd.h>
+
+namespace pelluvia::host {
+
+namespace {
+
+/// One run of the command.
+class Conversion {
+  public:
+    explicit Conversion(const ConvertOptions &options) : options_(options) {}
+
+    int run() {
+        if (!areSourcesReadable()) {
+            return exitStatus::badInput;
+        }
+        std::error_code error;
+        const auto target = TargetFile::open(options_.target, error);
+        if (target == nullptr) {
+            return cannotWrite(error);
+        }
+        if (!options_.creator.empty()) {
+            GPXExporter::setCreator(options_.creator);
+        }
+        output_ = Output::open(options_.targetFormat, target->writePath(), collector_, bar_);
+        if (output_.receiver == nullptr) {
+            return cannotWrite(output_.openFailure);
+        }
+        const int status = readSources();
+        return finish(*target, status);
+    }
+
+  private:
+    /// Before the target is made; a source may still turn out bad when its turn comes.
+    [[nodiscard]] bool areSourcesReadable() const {
+        bool result = true;
+        for (const Source &source : options_.sources) {
+            if (const std::error_code error = whyUnreadable(source.path)) {
+                complain(sourceName(source.path) + ": " + error.message());
+                result = false;
+            }
+        }
+        return result;
+    }
+
+    /// Up to the first fault, or until nothing more can be written.
+    int readSources() {
+        for (const Source &source : options_.sources) {
+            if (output_.hasFailed()) {
+                break;
+            }
+            const auto fault =
+                source.format == Format::GPX ? importGPX(source.path) : readCallLog(source.path);
+            if (bar_ != nullptr) {
+                bar_->clear();
+            }
+            if (fault) {
+                say(fault->text(sourceName(source.path)));
+                return fault->status;
+            }
+        }
+        return exitStatus::done;
+    }
+
+    std::optional<InputFault> importGPX(const std::string &path) {
+        RereadableSource source(path);
+        if (const auto failure = source.prepare()) {
+            return faultOf(failure);
+        }
+        const auto importer = GPXFileImporter::initWithReceiver(output_.receiver);
+        importer->setDoTracks(options_.only.tracks);
+        importer->setDoRoutes(options_.only.routes);
+        importer->setDoWaypoints(options_.only.waypoints);
+        const ErrorPtr error = importer->processFile(source.path());
+        const auto reports = collector_->collected();
+        if (error == nullptr) {
+            return std::nullopt;
+        }
+        return InputFault::from(*error, reports.texts.empty() ? "" : reports.texts.back());
+    }
+
+    static InputFault faultOf(const RereadableSource::Failure &failure) {
+        if (failure.reading) {
+            return {.message = failure.reading.message()};
+        }
+        return {.message = "cannot be kept in " + failure.folder +
+                           " (see TMPDIR): " + failure.writing.message(),
+                .status = exitStatus::cannotWrite};
+    }
+
+    std::optional<InputFault> readCallLog(const std::string &path) {
+        std::error_code error;
+        const Descriptor source = openSource(path, error);
+        if (error) {
+            return InputFault{.message = error.message()};
+        }
+        const auto receiver = filtered();
+        CallLogReader reader(*receiver);
+        reader.setStop(output_.hasFailed);
+        const auto fault = reader.read(source.number());
+        sayWhatWasReported(path);
+        if (!fault) {
+            return std::nullopt;
+        }
+        return InputFault{.line = fault->line, .column = fault->column, .message = fault->message};
+    }
+
+    /// A log may end the exchange by itself. A GPX document gets its end from us, since other
+    /// sources may follow.
+    [[nodiscard]] std::shared_ptr<GPSOutputReceiver> filtered() const {
+        const bool holdsFinish = options_.targetFormat == Format::GPX;
+        if (!holdsFinish && options_.only.isEverything()) {
+            return output_.receiver;
+        }
+        return std::make_shared<CallFilter>(output_.receiver, options_.only, holdsFinish);
+    }
+
+    void sayWhatWasReported(const std::string &path) {
+        const auto reports = collector_->collected();
+        for (const std::string &text : reports.texts) {
+            say(sourceName(path) + ": reported by the producer: " + text);
+        }
+        if (reports.more != 0) {
+            say(sourceName(path) + ": and " + std::to_string(reports.more) + " other reports");
+        }
+    }
+
+    /// `status` is how reading ended.
+    int finish(TargetFile &target, int status) {
+        if (const std::error_code error = output_.finish()) {
+            return cannotWrite(error);
+        }
+        if (status == exitStatus::cannotWrite) {
+            return status;
+        }
+        const bool isComplete = status == exitStatus::done;
+        if (const std::error_code error = isComplete ? target.keep() : target.keepPartial()) {
+            return cannotWrite(error);
+        }
+        if (!isComplete) {
+            sayWhatIsPartial(target);
+        }
+        return status;
+    }
+
+    void sayWhatIsPartial(const TargetFile &target) const {
+        const std::string &kept = target.keptName();
+        complain((kept.empty() ? targetName(options_.target) : kept) +
+                 " is partial: it holds what was read before the fault");
+        if (target.isKeptBeside()) {
+            complain(options_.target + " is as it was");
+        }
+    }
+
+    int cannotWrite(const std::error_code &error) const {
+        complain("cannot write " + targetName(options_.target) + ": " + error.message());
+        return exitStatus::cannotWrite;
+    }
+
+    /// None but for a person that looks at a terminal.
+    [[nodiscard]] std::shared_ptr<ProgressBar> makeBar() const {
+        if (options_.quiet || ::isatty(STDERR_FILENO) == 0) {
+            return nullptr;
+        }
+        return std::make_shared<ProgressBar>(
+            [](std::string_view text) {
+                [[maybe_unused]] const ssize_t written =
+                    ::write(STDERR_FILENO, text.data(), text.size());
+            },
+            std::chrono::steady_clock::now);
+    }
+
+    const ConvertOptions &options_;
+    std::shared_ptr<ReportCollector> collector_ = std::make_shared<ReportCollector>();
+    std::shared_ptr<ProgressBar> bar_ = makeBar();
+    Output output_;
+};
+
+} // namespace
+
+int convert(const ConvertOptions &options) {
+    return Conversion(options).run();
+}
+
+} // namespace pelluvia::host

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// \file
+/// What the host says to its user on standard error.
+
+namespace pelluvia::host {
+
+/// The text with control characters replaced by "?", so that nothing out of a file or a file's name
+/// can steer the user's terminal.
+[[nodiscard]] std::string harmless(std::string_view text);
+
+/// Writes a line: the text, made harmless, and a line end.
+void say(std::string_view text);
+
+/// The same with the program's name before it.
+void complain(std::string_view text);
+
+/// How a source or a target is called in messages.
+[[nodiscard]] std::string sourceName(const std::string &path);
+[[nodiscard]] std::string targetName(const std::string &path);
+
+} // namespace pelluvia::host

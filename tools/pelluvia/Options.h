@@ -1,0 +1,58 @@
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+/// \file
+/// What the command line asks for. Plain data; made by `parseCommandLine`, read by the commands.
+
+namespace pelluvia::host {
+
+/// How a source or a target is written.
+enum class Format {
+    GPX,
+    Calls ///< a call log: one receiver call a line (docs/call-log.md)
+};
+
+/// Which kinds of transfers are converted.
+struct Selection {
+    bool tracks = true;
+    bool routes = true;
+    bool waypoints = true;
+
+    [[nodiscard]] bool isEverything() const noexcept { return tracks && routes && waypoints; }
+};
+
+struct Source {
+    std::string path; ///< "-" is standard input
+    Format format = Format::GPX;
+};
+
+struct ConvertOptions {
+    std::vector<Source> sources; ///< read in this order, into one target
+    std::string target;          ///< "-" is standard output
+    Format targetFormat = Format::GPX;
+    Selection only;
+    std::string
+        creator; ///< for the header of a GPX target, as XML attribute text; empty: the default
+    bool quiet = false;   ///< no progress bar
+    bool verbose = false; ///< the framework's log lines on standard error, not in the system log
+};
+
+struct InfoOptions {
+    std::vector<std::string> files; ///< "-" is standard input
+    bool json = false;
+    bool verbose = false;
+};
+
+/// A command line that is answered at once: help, the version, or a complaint about the usage.
+struct Answer {
+    int status = 0;
+    std::string output;
+    std::string complaint;
+};
+
+using Command = std::variant<ConvertOptions, InfoOptions, Answer>;
+
+} // namespace pelluvia::host

@@ -1,0 +1,43 @@
+#include <tools/pelluvia/Process.h>
+
+#include <tools/pelluvia/Messages.h>
+
+#include <Pelluvia/platform/Log.h>
+#include <Pelluvia/platform/MainThread.h>
+
+#include <clocale>
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace pelluvia::host {
+
+namespace {
+
+/// A closed standard descriptor would be given to the next file that is opened, and messages would
+/// land in it. Opened the wrong way round, its use still fails.
+void takeStandardDescriptors() {
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(standard, F_GETFD) < 0) {
+            const int flags = standard == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+            // The lowest number that is free, which is this one.
+            [[maybe_unused]] const int taken = ::open("/dev/null", flags);
+        }
+    }
+}
+
+} // namespace
+
+void prepareProcess() {
+    takeStandardDescriptors();
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::setlocale(LC_MESSAGES, "");
+    mainThread::setScheduler([](const mainThread::Message &message) { message(); });
+}
+
+void showLogLines() {
+    setLogSink([](std::string_view line) { say("log: " + std::string(line)); });
+}
+
+} // namespace pelluvia::host

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <Pelluvia/model/GPXExporterProgress.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace pelluvia::host {
+
+/// Shows the progress of a receiver in one line of a terminal, redrawn a few times a second and
+/// gone at the end.
+///
+/// A bar where the number of items is known; a plain number where it is not, or turns out wrong: of
+/// a file's tracks the number of segments is announced while points are counted.
+///
+/// Threads: as for any progress object.
+class ProgressBar : public GPXExporterProgress {
+  public:
+    using Clock = std::function<std::chrono::steady_clock::time_point()>;
+    using Write = std::function<void(std::string_view text)>;
+
+    /// `write` puts text on the terminal.
+    ProgressBar(Write write, Clock clock) : write_(std::move(write)), clock_(std::move(clock)) {}
+
+    void gpxStartTransfer(int kind, int count) override;
+    void gpxProgress(int kind, int index) override;
+    void gpxEndTransfer(int kind) override;
+
+    /// Takes the line away; the next progress brings it back.
+    void clear();
+
+    /// Only every so many items the clock is looked at.
+    static constexpr int stride = 256;
+    /// The shortest time between two drawings.
+    static constexpr std::chrono::milliseconds interval{100};
+
+  private:
+    void draw(int kind, int index);
+
+    Write write_;
+    Clock clock_;
+    int count_ = 0;
+    bool isShown_ = false;
+    std::chrono::steady_clock::time_point lastDrawn_;
+};
+
+} // namespace pelluvia::host

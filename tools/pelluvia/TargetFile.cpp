@@ -1,0 +1,112 @@
+#include <tools/pelluvia/TargetFile.h>
+
+#include <Pelluvia/platform/OutputFile.h>
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace pelluvia::host {
+
+namespace {
+
+std::error_code lastError() {
+    return {errno, std::generic_category()};
+}
+
+/// Where a symbolic link leads, or nothing when the path is not one.
+std::string linkTarget(const std::string &path) {
+    std::array<char, PATH_MAX> text{};
+    const ssize_t size = ::readlink(path.c_str(), text.data(), text.size());
+    if (size <= 0) {
+        return {};
+    }
+    const std::string target(text.data(), static_cast<std::size_t>(size));
+    const std::size_t slash = path.rfind('/');
+    const bool isBesideLink = target.front() != '/' && slash != std::string::npos;
+    return isBesideLink ? path.substr(0, slash + 1) + target : target;
+}
+
+/// The path itself behind any symbolic links, also where it does not exist yet.
+std::string withoutLinks(std::string path) {
+    constexpr int mostLinks = 40; // as the kernel
+    for (int i = 0; i < mostLinks; ++i) {
+        std::string target = linkTarget(path);
+        if (target.empty()) {
+            break;
+        }
+        path = std::move(target);
+    }
+    return path;
+}
+
+} // namespace
+
+std::unique_ptr<TargetFile> TargetFile::open(const std::string &path, std::error_code &error) {
+    error.clear();
+    const auto written = [](std::string where) {
+        return std::unique_ptr<TargetFile>(new TargetFile(std::move(where), false, nullptr));
+    };
+    if (path == "-" || OutputFile::descriptorNamedBy(path)) {
+        return written(path == "-" ? "/dev/stdout" : path);
+    }
+    struct stat status = {};
+    const bool exists = ::stat(path.c_str(), &status) == 0;
+    if (!exists && (errno != ENOENT || path.empty())) {
+        error = lastError();
+        return nullptr;
+    }
+    if ((exists && S_ISDIR(status.st_mode)) || path.ends_with('/')) {
+        error = std::make_error_code(std::errc::is_a_directory);
+        return nullptr;
+    }
+    // A file that may not be written is not to be replaced either.
+    if (exists && ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) {
+        error = lastError();
+        return nullptr;
+    }
+    if (exists && !S_ISREG(status.st_mode)) {
+        return written(path);
+    }
+    std::string itself = withoutLinks(path);
+    auto file = TemporaryFile::makeBeside(itself, exists ? &status : nullptr, error);
+    return file == nullptr ? nullptr
+                           : std::unique_ptr<TargetFile>(
+                                 new TargetFile(std::move(itself), exists, std::move(file)));
+}
+
+TargetFile::TargetFile(std::string path, bool isReplacing, std::unique_ptr<TemporaryFile> file)
+    : path_(std::move(path)), isReplacing_(isReplacing), file_(std::move(file)) {}
+
+const std::string &TargetFile::writePath() const noexcept {
+    return file_ != nullptr ? file_->path() : path_;
+}
+
+std::error_code TargetFile::keep() {
+    return keepAs(path_);
+}
+
+std::error_code TargetFile::keepPartial() {
+    struct stat status = {};
+    const bool isFree = ::lstat(path_.c_str(), &status) != 0;
+    return keepAs(isFree ? path_ : path_ + ".partial");
+}
+
+std::error_code TargetFile::keepAs(const std::string &name) {
+    if (file_ == nullptr) {
+        return {};
+    }
+    // Where nothing is replaced, nothing is lost if the machine stops before the disk has it all.
+    if (const std::error_code error = isReplacing_ ? file_->sync() : std::error_code()) {
+        return error;
+    }
+    const std::error_code error = file_->rename(name);
+    if (!error) {
+        keptName_ = name;
+    }
+    return error;
+}
+
+} // namespace pelluvia::host
