@@ -1,7 +1,8 @@
 # Every header compiles alone, twice in a row, and without the folders of any library that the
 # framework is built on: the build itself is the test.
 
-file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/Pelluvia/*/*.h)
+file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
+    ${PROJECT_SOURCE_DIR}/Pelluvia/*/*.h ${PROJECT_SOURCE_DIR}/Pelluvia/*/internal/*.h)
 list(APPEND headers Pelluvia/model/GPXDataHost.h) # generated
 
 set(header_test_sources)

@@ -13,9 +13,9 @@
 #include <Pelluvia/platform/MainThread.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -27,7 +27,7 @@ using namespace pelluvia;
 namespace {
 
 void complain(const std::string &file, const std::string &reason) {
-    std::fprintf(stderr, "%s: %s\n", file.c_str(), reason.c_str());
+    std::cerr << file << ": " << reason << '\n';
 }
 
 /// Whom the exporter tells what happened. Its messages run inside `mainThread::drain`, in order,
@@ -44,6 +44,7 @@ class Observer {
         hasFailed_ = true;
     }
     /// The exporter has completed its file, also after a failure.
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): a message owns its argument
     void finished(std::shared_ptr<GPXExporter> exporter) {
         if (const std::error_code failure = exporter->writeFailure()) {
             complain("target", failure.message());
@@ -81,7 +82,7 @@ bool convert(const std::string &source, const std::string &target) {
 
 int main(int argc, char **argv) {
     if (argc != 3) {
-        std::fprintf(stderr, "usage: convert SOURCE.gpx TARGET.gpx\n");
+        std::cerr << "usage: convert SOURCE.gpx TARGET.gpx\n";
         return EXIT_FAILURE;
     }
     const std::string target = argv[2];
@@ -96,6 +97,6 @@ int main(int argc, char **argv) {
         complain(target, failure.message());
         return EXIT_FAILURE;
     }
-    std::printf("converted\n");
+    std::cout << "converted\n";
     return EXIT_SUCCESS;
 }

@@ -12,9 +12,9 @@
 #include <Pelluvia/platform/MainThread.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <glib-unix.h>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -41,17 +41,17 @@ class Application {
     // Messages of the exporter, in this order.
     void failed(Report problem) {
         if (const auto *error = std::get_if<ErrorPtr>(&problem)) {
-            std::fprintf(stderr, "%s: %s\n", source_.c_str(),
-                         (*error)->localizedDescription().c_str());
+            std::cerr << source_ << ": " << (*error)->localizedDescription() << '\n';
         }
         hasFailed_ = true;
     }
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): a message owns its argument
     void finished(std::shared_ptr<GPXExporter> exporter) {
         if (const std::error_code failure = exporter->writeFailure()) {
-            std::fprintf(stderr, "%s\n", failure.message().c_str());
+            std::cerr << failure.message() << '\n';
             hasFailed_ = true;
         }
-        std::puts(hasFailed_ ? "failed" : "converted");
+        std::cout << (hasFailed_ ? "failed\n" : "converted\n");
         g_main_loop_quit(loop_);
     }
 
@@ -71,12 +71,12 @@ gboolean runMessages(gint /*descriptor*/, GIOCondition /*condition*/, gpointer /
 
 int main(int argc, char **argv) {
     if (argc != 3) {
-        std::fprintf(stderr, "usage: glib-host SOURCE.gpx TARGET.gpx\n");
+        std::cerr << "usage: glib-host SOURCE.gpx TARGET.gpx\n";
         return EXIT_FAILURE;
     }
     const auto exporter = GPXExporter::initWithPath(argv[2]);
     if (exporter == nullptr) {
-        std::fprintf(stderr, "%s: %s\n", argv[2], std::generic_category().message(errno).c_str());
+        std::cerr << argv[2] << ": " << std::generic_category().message(errno) << '\n';
         return EXIT_FAILURE;
     }
     const auto application = std::make_shared<Application>(argv[1]);

@@ -12,6 +12,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <memory>
 #include <string>
 
@@ -63,14 +64,14 @@ class WaypointPrinter : public GPSOutputReceiver {
 
 int main(int argc, char **argv) {
     if (argc != 2) {
-        std::fprintf(stderr, "usage: list-waypoints FILE.gpx\n");
+        std::cerr << "usage: list-waypoints FILE.gpx\n";
         return EXIT_FAILURE;
     }
     const auto importer = GPXFileImporter::initWithReceiver(std::make_shared<WaypointPrinter>());
     importer->setDoRoutes(false); // each kind that is left out is a pass less over the file
     importer->setDoTracks(false);
     if (const ErrorPtr error = importer->processFile(argv[1])) {
-        std::fprintf(stderr, "%s: %s\n", argv[1], error->localizedDescription().c_str());
+        std::cerr << argv[1] << ": " << error->localizedDescription() << '\n';
         return EXIT_FAILURE;
     }
     return EXIT_SUCCESS;

@@ -74,16 +74,16 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     ~GPXFileImporter() override;
 
     /// Whether the passes for tracks, routes and waypoints run.
-    void setDoTracks(bool doTracks) noexcept;
-    void setDoRoutes(bool doRoutes) noexcept;
-    void setDoWaypoints(bool doWaypoints) noexcept;
+    void setDoTracks(bool should) noexcept;
+    void setDoRoutes(bool should) noexcept;
+    void setDoWaypoints(bool should) noexcept;
 
     /// The file that every parse reads. Threads: any.
     [[nodiscard]] std::optional<URL> fileURL() const;
-    void setFileURL(std::optional<URL> url);
+    void setFileURL(std::optional<URL> newURL);
 
     /// Sets `fileURL` to the file at the path (UTF-8) and imports it. Null when all went well.
-    [[nodiscard]] ErrorPtr processFile(std::string_view path);
+    [[nodiscard]] ErrorPtr processFile(std::string_view filePath);
 
     /// Imports the file at `fileURL`. The argument is not used: set `fileURL` first, as
     /// `processFile` does. Null when all went well, and when `fileURL` is nil: the transfers are

@@ -1,6 +1,6 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
-#include <Pelluvia/gpximport/GPXVocabulary.h>
+#include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 #include <Pelluvia/platform/Scanner.h>
 #include <Pelluvia/platform/XMLParser.h>
 

@@ -1,6 +1,6 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
-#include <Pelluvia/gpximport/GPXVocabulary.h>
+#include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 
 /// \file
 /// The importer at the start of elements: flags, attributes, and the tests of nesting.

@@ -1,6 +1,6 @@
 #include <Pelluvia/gpxwriter/GPXWriter.h>
 
-#include <Pelluvia/gpxwriter/DictionaryStrings.h>
+#include <Pelluvia/gpxwriter/internal/DictionaryStrings.h>
 #include <Pelluvia/platform/Text.h>
 
 #include <cstdlib>

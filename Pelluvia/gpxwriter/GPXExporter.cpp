@@ -1,6 +1,6 @@
 #include <Pelluvia/gpxwriter/GPXExporter.h>
 
-#include <Pelluvia/gpxwriter/DictionaryStrings.h>
+#include <Pelluvia/gpxwriter/internal/DictionaryStrings.h>
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/platform/Text.h>
 

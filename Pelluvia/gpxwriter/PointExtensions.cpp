@@ -1,4 +1,4 @@
-#include <Pelluvia/gpxwriter/PointExtensions.h>
+#include <Pelluvia/gpxwriter/internal/PointExtensions.h>
 
 #include <Pelluvia/gpxwriter/GPXWriter.h>
 #include <Pelluvia/model/ExtrasKeys.h>

@@ -1,7 +1,7 @@
 #include <Pelluvia/gpxwriter/GPXWriter.h>
 
-#include <Pelluvia/gpxwriter/PointExtensions.h>
-#include <Pelluvia/gpxwriter/PointText.h>
+#include <Pelluvia/gpxwriter/internal/PointExtensions.h>
+#include <Pelluvia/gpxwriter/internal/PointText.h>
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/GPXNamespaces.h>
 

@@ -52,7 +52,8 @@ class PELLUVIA_EXPORT Dictionary : public RefCounted<Dictionary> {
     /// The most entries of a dictionary; `set` throws `std::length_error` beyond.
     static constexpr std::size_t maxSize = 65'535;
 
-    Dictionary() noexcept = default;
+    /// Empty. Provided by hand, so that a constant one can be declared without braces.
+    Dictionary() noexcept {} // NOLINT(modernize-use-equals-default)
     Dictionary(const Dictionary &other);
     Dictionary &operator=(const Dictionary &other);
     ~Dictionary();

@@ -49,7 +49,7 @@ class PELLUVIA_EXPORT OutputFile {
     [[nodiscard]] char *reserve(std::size_t size);
     /// Makes everything up to `end`, a position in the last reservation, part of the file. Nothing
     /// else may be written in between.
-    void commit(char *end) noexcept { used_ = static_cast<std::size_t>(end - buffer_.get()); }
+    void commit(const char *end) noexcept { used_ = static_cast<std::size_t>(end - buffer_.get()); }
 
     /// Writes what is still buffered.
     void flush();

@@ -38,7 +38,7 @@ inline constexpr std::size_t textSize = 10'000'000;
 inline constexpr std::size_t amplificationAllowance = 1'000'000;
 inline constexpr std::size_t amplificationFactor = 5;
 /// Bytes of all external entities of a document together. What would exceed it is not read.
-inline constexpr std::size_t externalEntitySize = 10'000'000;
+inline constexpr std::size_t externalEntitySize = 1'000'000;
 /// Bytes of the document type declaration, with its external parts.
 inline constexpr std::size_t declarationsSize = 256'000;
 /// Attributes of an element, and namespace declarations in force.

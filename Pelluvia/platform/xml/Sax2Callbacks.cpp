@@ -3,8 +3,7 @@
 #include <libxml/SAX2.h>
 
 /// \file
-/// The functions that libxml2 calls: they find the engine, keep exceptions out of the library, and
-/// stop a context that has not noticed yet that the parse is over.
+/// The functions that libxml2 calls: they find the engine and keep exceptions out of the library.
 
 namespace pelluvia::xml {
 
@@ -108,7 +107,7 @@ struct Sax2Engine::Callbacks {
         return *static_cast<Sax2Engine *>(context->_private);
     }
 
-    /// Does the work unless the parse is over, and then stops the context if it is.
+    /// Does the work unless the parse is over, and if it is, asks the library for no more events.
     template <class Work>
     static void perform(xmlParserCtxtPtr context, Work work) noexcept {
         Sax2Engine &engine = engineOf(context);
@@ -121,7 +120,7 @@ struct Sax2Engine::Callbacks {
             }
         }
         if (engine.stopped_) {
-            halt(context);
+            context->disableSAX = 1;
         }
     }
 
@@ -178,6 +177,10 @@ struct Sax2Engine::Callbacks {
         const xmlParserCtxtPtr context = contextOf(userData);
         xmlEntityPtr entity = nullptr;
         perform(context, [&](Sax2Engine &engine) { entity = engine.entity(context, name); });
+        if (engineOf(context).stopped_) {
+            // Nothing is replaced any more. (For null the library would look itself.)
+            return xmlGetPredefinedEntity(reinterpret_cast<const xmlChar *>("quot"));
+        }
         return entity;
     }
 

@@ -101,11 +101,6 @@ void Sax2Engine::stop() noexcept {
     stopped_ = true;
 }
 
-void Sax2Engine::halt(xmlParserCtxtPtr context) noexcept {
-    context->disableSAX = 1;
-    context->instate = XML_PARSER_EOF;
-}
-
 /// Gives text to the library. What could occupy it for long between two events is checked here.
 std::size_t Sax2Engine::read(char *to, std::size_t room) {
     // Each attribute and each declaration is compared with all others of its tag.

@@ -24,9 +24,10 @@ namespace pelluvia::xml {
 
 /// One parse of one document with libxml2's SAX2 interface.
 ///
-/// How it stops: libxml2 has a call for that, but it frees the input under the hands of whatever
-/// function is at work. So the engine marks the contexts as stopped, as the library's own error
-/// paths do, gives no more input, and ignores all further events.
+/// How it stops: libxml2 has a call for that, but it frees the input under the hands of the
+/// function that is at work, which some cannot bear when they report an error. So the engine gives
+/// no more input, ignores all further events, replaces no more entities, and lets the library come
+/// to the end of the few thousand bytes that it has.
 ///
 /// The text of an entity is parsed by the library in a context of its own; so `context` in what
 /// follows is not always the context of the document.
@@ -94,8 +95,6 @@ class Sax2Engine {
     void failForAttributes();
     /// Ends the parse; what follows in it is ignored.
     void stop() noexcept;
-    /// Makes libxml2 stop working on this context.
-    static void halt(xmlParserCtxtPtr context) noexcept;
 
     XMLParser &parser_;
     XMLParserDelegate nobody_;
