@@ -96,8 +96,19 @@ TEST(Driver, CanBeInterruptedWhileANamedPipeHasNoWriter) {
     const WakeUp wakeUp;
     wakeUp.stop();
     CallList list;
-    EXPECT_EQ(readNMEA(path, {}, list, wakeUp.descriptor()).ending, Ending::Interrupted);
+    EXPECT_EQ(readNMEA(path, {}, list, {.wakeUp = wakeUp.descriptor()}).ending,
+              Ending::Interrupted);
     EXPECT_THAT(list.calls, ElementsAre());
+}
+
+TEST(Driver, StopsWhenItsReceiverHasNoUseForMore) {
+    PlayedReceiver receiver;
+    CallList list;
+    receiver.send(second(0) + second(1));
+    const Outcome outcome =
+        readNMEA(receiver.path(), {}, list, {.stop = [&] { return !list.trackPoints.empty(); }});
+    EXPECT_EQ(outcome.ending, Ending::Interrupted);
+    EXPECT_EQ(list.calls.back(), "end 1");
 }
 
 TEST(Driver, SaysWhatCannotBeOpened) {
@@ -116,7 +127,7 @@ TEST(Driver, ReportsWhatCannotBeRead) {
     EXPECT_EQ(outcome.ending, Ending::Unreadable);
     EXPECT_EQ(outcome.error, std::errc::is_a_directory);
     ASSERT_EQ(list.calls.size(), 1U);
-    EXPECT_THAT(list.calls[0], ::testing::StartsWith("error The log cannot be read: "));
+    EXPECT_THAT(list.calls[0], ::testing::StartsWith("error cannot be read: "));
 }
 
 TEST(Driver, ReadsADeviceThatIsNoTerminalAsAFile) {
@@ -170,7 +181,8 @@ TEST(Driver, AnInterruptEndsTheTransferOfALiveReceiver) {
             wakeUp.stop();
         };
         // Called in the middle of decoding, so everything sent before has been read or is.
-        const Outcome outcome = readNMEA(receiver.path(), {}, list, wakeUp.descriptor());
+        const Outcome outcome =
+            readNMEA(receiver.path(), {}, list, {.wakeUp = wakeUp.descriptor()});
         EXPECT_EQ(outcome.ending, Ending::Interrupted);
         EXPECT_FALSE(outcome.error);
         ASSERT_EQ(list.trackPoints.size(), 10U) << piece;
@@ -194,7 +206,7 @@ TEST(Driver, AReceiverThatHangsUpIsLostWithWhatItSentBeforeKept) {
     ASSERT_GE(list.calls.size(), 2U);
     EXPECT_EQ(list.calls.back(), "end 1");
     EXPECT_THAT(list.calls,
-                ::testing::Contains(::testing::StartsWith("error The receiver was lost: ")));
+                ::testing::Contains(::testing::StartsWith("error the receiver was lost: ")));
 }
 
 TEST(Driver, SetsUpTheSerialLineAndRestoresIt) {
@@ -215,7 +227,7 @@ TEST(Driver, SetsUpTheSerialLineAndRestoresIt) {
     receiver.send(second(0) + second(1));
     DriverOptions options;
     options.baud = 38400;
-    EXPECT_EQ(readNMEA(receiver.path(), options, list, wakeUp.descriptor()).ending,
+    EXPECT_EQ(readNMEA(receiver.path(), options, list, {.wakeUp = wakeUp.descriptor()}).ending,
               Ending::Interrupted);
     EXPECT_EQ(::cfgetispeed(&during), static_cast<speed_t>(B38400));
     EXPECT_EQ(during.c_lflag & (ICANON | ECHO | ISIG), 0U);
@@ -252,13 +264,13 @@ TEST(Driver, ShowsALiveSourceAndNoFile) {
     LiveView view([&](std::string_view bytes) { shown.append(bytes); });
     const TemporaryFolder folder;
     CallList list;
-    (void)readNMEA(folder.write("log", second(0)), {}, list, -1, &view);
+    (void)readNMEA(folder.write("log", second(0)), {}, list, {.view = &view});
     EXPECT_EQ(shown, "");
 
     PlayedReceiver receiver;
     Conversation conversation(receiver, list, 1000);
     conversation.atEnd = [&] { receiver.hangUp(); };
-    (void)readNMEA(receiver.path(), {}, list, -1, &view);
+    (void)readNMEA(receiver.path(), {}, list, {.view = &view});
     EXPECT_THAT(shown, ::testing::HasSubstr(" points, "));
 }
 

@@ -34,7 +34,8 @@ Ending endingOf(Input::Result result) noexcept {
 }
 
 /// Decodes until nothing comes any more; says why.
-Input::Result decode(Input &input, LineSplitter &splitter, Decoder &decoder, LiveView *view) {
+Input::Result decode(Input &input, LineSplitter &splitter, Decoder &decoder,
+                     const Control &control) {
     const auto use = [&](std::string_view line, LineEnd end) { decoder.addLine(line, end); };
     std::vector<char> buffer(bufferSize);
     for (;;) {
@@ -44,39 +45,49 @@ Input::Result decode(Input &input, LineSplitter &splitter, Decoder &decoder, Liv
             return result;
         }
         splitter.feed({buffer.data(), size}, use);
-        if (view != nullptr && input.isLive()) {
-            view->show(decoder.tally(), decoder.current());
+        if (control.view != nullptr && input.isLive()) {
+            control.view->show(decoder.tally(), decoder.current());
+        }
+        if (control.stop && control.stop()) {
+            return Input::Result::Interrupted;
         }
     }
 }
 
+std::string problemOf(const Outcome &outcome) {
+    const std::string_view what = outcome.ending == Ending::Lost        ? "the receiver was lost: "
+                                  : outcome.ending == Ending::NotOpened ? "cannot be opened: "
+                                                                        : "cannot be read: ";
+    return std::string(what) + outcome.error.message();
+}
+
 void report(GPSOutputReceiver &receiver, const std::string &path, const Outcome &outcome) {
-    const std::string_view what =
-        outcome.ending == Ending::Lost ? "The receiver was lost: " : "The log cannot be read: ";
-    receiver.error(Error::make(
-        posixErrorDomain, outcome.error.value(),
-        {{std::string(NSLocalizedDescriptionKey), std::string(what) + outcome.error.message()},
-         {std::string(NSFilePathErrorKey), path}}));
+    receiver.error(Error::make(posixErrorDomain, outcome.error.value(),
+                               {{std::string(NSLocalizedDescriptionKey), outcome.problem},
+                                {std::string(NSFilePathErrorKey), path}}));
 }
 
 } // namespace
 
 Outcome readNMEA(const std::string &path, const DriverOptions &options, GPSOutputReceiver &receiver,
-                 int wakeUp, LiveView *view) {
+                 const Control &control) {
     Outcome outcome;
-    const auto input = Input::open(path, options.baud, wakeUp, outcome.error);
+    const auto input = Input::open(path, options.baud, control.wakeUp, outcome.error);
     if (input == nullptr) {
         outcome.ending = Ending::NotOpened;
+        outcome.problem = problemOf(outcome);
         return outcome;
     }
     LineSplitter splitter;
     Decoder decoder(receiver, options.decoder);
-    outcome.ending = endingOf(decode(*input, splitter, decoder, view));
-    outcome.error = input->failure();
+    outcome.ending = endingOf(decode(*input, splitter, decoder, control));
     // A line that was interrupted is only half there.
     if (outcome.ending == Ending::Complete) {
         splitter.finish([&](std::string_view line, LineEnd end) { decoder.addLine(line, end); });
-    } else if (outcome.error) {
+    }
+    if (input->failure()) {
+        outcome.error = input->failure();
+        outcome.problem = problemOf(outcome);
         report(receiver, path, outcome);
     }
     decoder.finish();
