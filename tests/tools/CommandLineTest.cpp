@@ -57,6 +57,27 @@ TEST(CommandLine, AnEndingTellsTheFormatInAnyCase) {
     EXPECT_EQ(options.targetFormat, Format::Calls);
 }
 
+TEST(CommandLine, EndingsOfReceiversLogsAreKnown) {
+    const ConvertOptions options = convertOf({"convert", "a.nmea", "B.LOG", "c.Nmea"});
+    EXPECT_EQ(options.sources[0].format, Format::NMEA);
+    EXPECT_EQ(options.sources[1].format, Format::NMEA);
+    EXPECT_EQ(options.targetFormat, Format::NMEA);
+    EXPECT_EQ(options.nmea.baud, 4800);
+    EXPECT_EQ(options.nmea.decoder.longestGap, 300);
+    EXPECT_EQ(options.nmea.decoder.day, std::nullopt);
+}
+
+TEST(CommandLine, ReceiversHaveOptions) {
+    const ConvertOptions options =
+        convertOf({"convert", "--from", "nmea", "--baud", "9600", "--date", "1970-01-02", "--gap",
+                   "0", "/dev/ttyUSB0", "--to", "nmea", "-"});
+    EXPECT_EQ(options.sources[0].format, Format::NMEA);
+    EXPECT_EQ(options.targetFormat, Format::NMEA);
+    EXPECT_EQ(options.nmea.baud, 9600);
+    EXPECT_EQ(options.nmea.decoder.longestGap, 0);
+    EXPECT_EQ(options.nmea.decoder.day, 1);
+}
+
 TEST(CommandLine, OptionsNameTheFormatWhateverTheEnding) {
     const ConvertOptions options =
         convertOf({"convert", "--from", "calls", "--to", "gpx", "a.gpx", "b", "c.jsonl"});
@@ -131,8 +152,8 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"convert"}, "a source and a target are needed", convertUsage},
         Wrong{{"convert", "a.gpx"}, "a source and a target are needed", convertUsage},
         Wrong{{"convert", "--nonsense", "a.gpx", "b.gpx"}, "--nonsense", convertUsage},
-        Wrong{{"convert", "/dev/null", "b.gpx"}, "/dev/null: the ending is neither", convertUsage},
-        Wrong{{"convert", "a.gpx", "b"}, "--to gpx or --to calls", convertUsage},
+        Wrong{{"convert", "/dev/null", "b.gpx"}, "/dev/null: the ending is none of", convertUsage},
+        Wrong{{"convert", "a.gpx", "b"}, "--to gpx, --to calls or --to nmea", convertUsage},
         Wrong{{"convert", "--from", "kml", "a", "b.gpx"}, "kml", convertUsage},
         Wrong{{"convert", "--to", "kml", "a.gpx", "b"}, "kml", convertUsage},
         Wrong{{"convert", "--only", "laps", "a.gpx", "b.gpx"}, "\"laps\" is not", convertUsage},

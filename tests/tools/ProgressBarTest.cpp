@@ -34,6 +34,20 @@ class ProgressBarTest : public ::testing::Test {
                     }};
 };
 
+TEST_F(ProgressBarTest, LeavesTheLineToOthersWhileItIsMuted) {
+    progressTo(1, 256);
+    ASSERT_THAT(drawn, SizeIs(1));
+    bar.setMuted(true);
+    ASSERT_THAT(drawn, SizeIs(2));
+    EXPECT_EQ(drawn.back(), "\r\x1B[K");
+    now += std::chrono::hours(1);
+    progressTo(1, 1024);
+    EXPECT_THAT(drawn, SizeIs(2));
+    bar.setMuted(false);
+    progressTo(1, 256);
+    EXPECT_THAT(drawn, SizeIs(3));
+}
+
 TEST_F(ProgressBarTest, ShowsTheShareOfAKnownNumberOfItems) {
     bar.gpxStartTransfer(3, 1024);
     progressTo(3, 512);

@@ -4,6 +4,8 @@
 #include <tools/pelluvia/CreatorText.h>
 #include <tools/pelluvia/ExitStatus.h>
 #include <tools/pelluvia/SourceFile.h>
+#include <tools/pelluvia/nmea/Driver.h>
+#include <tools/pelluvia/nmea/SerialPort.h>
 
 #include <Pelluvia/model/Version.h>
 
@@ -28,6 +30,9 @@ struct Arguments {
     std::string from;
     std::string to;
     std::optional<std::string> only;
+    std::optional<std::string> date;
+    long baud = nmea::standardBaudRate;
+    std::int64_t gap = nmea::DecoderOptions().longestGap;
     std::string creator;
     bool classic = false;
     bool quiet = false;
@@ -80,22 +85,43 @@ std::string lowered(std::string text) {
     return text;
 }
 
+/// How a format is called, and the endings of its files.
+struct FormatName {
+    std::string_view name;
+    Format format;
+    std::array<std::string_view, 2> endings;
+};
+constexpr std::array formatNames = {
+    FormatName{"gpx", Format::GPX, {".gpx", {}}},
+    FormatName{"calls", Format::Calls, {".jsonl", {}}},
+    FormatName{"nmea", Format::NMEA, {".nmea", ".log"}},
+};
+
+bool hasEnding(const std::string &path, const FormatName &format) {
+    const std::string name = lowered(path);
+    return std::any_of(format.endings.begin(), format.endings.end(), [&](std::string_view ending) {
+        return !ending.empty() && name.ends_with(ending);
+    });
+}
+
 /// The format that an option names, or, when it names none, the ending of the path; or nothing.
 std::optional<Format> namedFormat(const std::string &path, const std::string &chosen) {
-    const std::string name = lowered(path);
-    if (chosen == "gpx" || (chosen.empty() && (path == "-" || name.ends_with(".gpx")))) {
+    if (chosen.empty() && path == "-") {
         return Format::GPX;
     }
-    if (chosen == "calls" || (chosen.empty() && name.ends_with(".jsonl"))) {
-        return Format::Calls;
+    for (const FormatName &each : formatNames) {
+        if (chosen.empty() ? hasEnding(path, each) : chosen == each.name) {
+            return each.format;
+        }
     }
     return std::nullopt;
 }
 
 CLI::ValidationError unknownEnding(const std::string &path, const std::string &option) {
     return CLI::ValidationError(path,
-                                "the ending is neither .gpx nor .jsonl; name the format with " +
-                                    option + " gpx or " + option + " calls");
+                                "the ending is none of .gpx, .jsonl, .nmea and .log; name the "
+                                "format with " +
+                                    option + " gpx, " + option + " calls or " + option + " nmea");
 }
 
 Format sourceFormat(const std::string &path, const std::string &chosen) {
@@ -114,6 +140,23 @@ Format targetFormat(const std::string &path, const std::string &chosen) {
         return *format;
     }
     throw unknownEnding(path, "--to");
+}
+
+/// What the options of receivers say.
+nmea::DriverOptions driverOptions(const Arguments &arguments) {
+    nmea::DriverOptions options;
+    options.baud = arguments.baud;
+    options.decoder.longestGap = arguments.gap;
+    if (!nmea::isBaudRate(options.baud)) {
+        throw CLI::ValidationError("--baud", "there is no such rate of serial lines");
+    }
+    if (arguments.date) {
+        options.decoder.day = nmea::dayOfOption(*arguments.date);
+        if (!options.decoder.day) {
+            throw CLI::ValidationError("--date", "a day since 1970 as YYYY-MM-DD is needed");
+        }
+    }
+    return options;
 }
 
 void refuseSecondStandardInput(const std::vector<std::string> &paths) {
@@ -135,6 +178,7 @@ ConvertOptions convertOptions(const Arguments &arguments) {
         options.sources.push_back({path, sourceFormat(path, arguments.from)});
     }
     options.targetFormat = targetFormat(options.target, arguments.to);
+    options.nmea = driverOptions(arguments);
     if (arguments.only) {
         options.only = selectionOf(*arguments.only);
     }
@@ -155,16 +199,24 @@ InfoOptions infoOptions(const Arguments &arguments) {
 }
 
 CLI::App *addConvert(CLI::App &app, Arguments &arguments) {
-    CLI::App *command = app.add_subcommand("convert", "Convert GPX files and call logs");
+    CLI::App *command = app.add_subcommand("convert", "Convert GPX files, NMEA logs and call logs");
     command->footer(std::string(convertFooter));
     command->add_option("--from", arguments.from, "Format of the sources, whatever their names")
-        ->option_text("gpx|calls")
-        ->check(CLI::IsMember({"gpx", "calls"}));
+        ->option_text("gpx|calls|nmea")
+        ->check(CLI::IsMember({"gpx", "calls", "nmea"}));
     command->add_option("--to", arguments.to, "Format of the target, whatever its name")
-        ->option_text("gpx|calls")
-        ->check(CLI::IsMember({"gpx", "calls"}));
+        ->option_text("gpx|calls|nmea")
+        ->check(CLI::IsMember({"gpx", "calls", "nmea"}));
     command->add_option("--only", arguments.only, "Convert only these kinds of transfers")
         ->option_text("tracks,routes,waypoints");
+    command->add_option("--baud", arguments.baud, "Speed of a serial device (4800)")
+        ->option_text("RATE");
+    command
+        ->add_option("--date", arguments.date, "Date of the start of an NMEA log that tells none")
+        ->option_text("YYYY-MM-DD");
+    command->add_option("--gap", arguments.gap, "Break an NMEA track after so long a pause (300)")
+        ->option_text("SECONDS")
+        ->check(CLI::NonNegativeNumber);
     command->add_flag("--classic", arguments.classic,
                       "Nothing between producer and receiver (so it is anyway)");
     command->add_option("--creator", arguments.creator, "The creator named in a GPX header")
@@ -225,7 +277,7 @@ Answer answerOf(const CLI::App &app, const CLI::Success &request) {
 
 Command parseCommandLine(int argc, const char *const *argv) {
     Arguments arguments;
-    CLI::App app("Moves GPS data between GPX files and call logs.", "pelluvia");
+    CLI::App app("Moves GPS data between GPX files, NMEA receivers and call logs.", "pelluvia");
     app.formatter(std::make_shared<UsageFormatter>());
     app.get_formatter()->column_width(helpColumn);
     app.set_version_flag("--version", versionText(), "Print the version and exit");

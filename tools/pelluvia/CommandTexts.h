@@ -35,8 +35,11 @@ Examples:
 
 inline constexpr std::string_view convertFooter =
     R"(All sources are read, one after the other, into the one target. Formats are told
-by the ending, .gpx or .jsonl (a call log: one call a line), unless --from or --to
-name them; standard input and output are GPX unless they do.
+by the ending, .gpx, .jsonl (a call log: one call a line), .nmea or .log (NMEA 0183),
+unless --from or --to name them; standard input and output are GPX unless they do.
+
+An NMEA source may be a serial device. It is read until Ctrl-C or SIGTERM, which bring
+the target to a proper end. What was not used of a source is said in one line.
 
 Of a route, a GPX target holds the name and the comment but not the points; a call
 log holds all that was read.
@@ -56,7 +59,10 @@ Examples:
   pelluvia convert --only waypoints caches.gpx waypoints.gpx
   pelluvia convert --to calls ride.gpx - | less
   pelluvia convert calls.jsonl ride.gpx
-  zcat ride.gpx.gz | pelluvia convert - ride.gpx)";
+  zcat ride.gpx.gz | pelluvia convert - ride.gpx
+  pelluvia convert --date 2024-08-15 logger.nmea ride.gpx
+  pelluvia convert --from nmea --baud 9600 /dev/ttyUSB0 ride.gpx
+  gpspipe -r | pelluvia convert --from nmea - ride.gpx)";
 
 inline constexpr std::string_view infoFooter =
     R"(Prints for each file how many waypoints, routes and tracks it holds, their bounds and

@@ -3,12 +3,15 @@
 #include <tools/pelluvia/CallFilter.h>
 #include <tools/pelluvia/ExitStatus.h>
 #include <tools/pelluvia/InputFault.h>
+#include <tools/pelluvia/InterruptWatch.h>
 #include <tools/pelluvia/Messages.h>
 #include <tools/pelluvia/Output.h>
 #include <tools/pelluvia/ProgressBar.h>
 #include <tools/pelluvia/SourceFile.h>
 #include <tools/pelluvia/TargetFile.h>
 #include <tools/pelluvia/calllog/CallLogReader.h>
+#include <tools/pelluvia/nmea/Driver.h>
+#include <tools/pelluvia/nmea/LiveView.h>
 
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 #include <Pelluvia/gpxwriter/GPXExporter.h>
@@ -59,14 +62,13 @@ class Conversion {
         return result;
     }
 
-    /// Up to the first fault, or until nothing more can be written.
+    /// Up to the first fault, or until nothing more can be written or is wanted.
     int readSources() {
         for (const Source &source : options_.sources) {
-            if (output_.hasFailed()) {
+            if (output_.hasFailed() || isInterrupted_) {
                 break;
             }
-            const auto fault =
-                source.format == Format::GPX ? importGPX(source.path) : readCallLog(source.path);
+            const auto fault = read(source);
             if (bar_ != nullptr) {
                 bar_->clear();
             }
@@ -76,6 +78,18 @@ class Conversion {
             }
         }
         return exitStatus::done;
+    }
+
+    std::optional<InputFault> read(const Source &source) {
+        switch (source.format) {
+        case Format::Calls:
+            return readCallLog(source.path);
+        case Format::NMEA:
+            return readNMEA(source.path);
+        case Format::GPX:
+            break;
+        }
+        return importGPX(source.path);
     }
 
     std::optional<InputFault> importGPX(const std::string &path) {
@@ -121,6 +135,30 @@ class Conversion {
         return InputFault{.line = fault->line, .column = fault->column, .message = fault->message};
     }
 
+    std::optional<InputFault> readNMEA(const std::string &path) {
+        // A receiver sends until somebody has enough of it; what came until then is a whole result.
+        const InterruptWatch interrupts;
+        nmea::LiveView view([this](std::string_view text) {
+            bar_->setMuted(true);
+            writeToTerminal(text);
+        });
+        const nmea::Outcome outcome = nmea::readNMEA(path, options_.nmea, *filtered(),
+                                                     {.wakeUp = interrupts.descriptor(),
+                                                      .stop = output_.hasFailed,
+                                                      .view = bar_ != nullptr ? &view : nullptr});
+        view.clear();
+        if (bar_ != nullptr) {
+            bar_->setMuted(false);
+        }
+        isInterrupted_ = outcome.ending == nmea::Ending::Interrupted;
+        // The receiver was told, too, of what is returned.
+        [[maybe_unused]] const auto reports = collector_->collected();
+        if (outcome.ending != nmea::Ending::NotOpened) {
+            say(sourceName(path) + ": " + textOf(outcome.tally));
+        }
+        return outcome.error ? std::optional(InputFault{.message = outcome.problem}) : std::nullopt;
+    }
+
     /// A log may end the exchange by itself. A GPX document gets its end from us, since other
     /// sources may follow.
     [[nodiscard]] std::shared_ptr<GPSOutputReceiver> filtered() const {
@@ -145,6 +183,9 @@ class Conversion {
     int finish(TargetFile &target, int status) {
         if (const std::error_code error = output_.finish()) {
             return cannotWrite(error);
+        }
+        if (const std::string remark = output_.remark ? output_.remark() : ""; !remark.empty()) {
+            say(targetName(options_.target) + ": " + remark);
         }
         if (status == exitStatus::cannotWrite) {
             return status;
@@ -178,18 +219,18 @@ class Conversion {
         if (options_.quiet || ::isatty(STDERR_FILENO) == 0) {
             return nullptr;
         }
-        return std::make_shared<ProgressBar>(
-            [](std::string_view text) {
-                [[maybe_unused]] const ssize_t written =
-                    ::write(STDERR_FILENO, text.data(), text.size());
-            },
-            std::chrono::steady_clock::now);
+        return std::make_shared<ProgressBar>(writeToTerminal, std::chrono::steady_clock::now);
+    }
+
+    static void writeToTerminal(std::string_view text) {
+        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
     }
 
     const ConvertOptions &options_;
     std::shared_ptr<ReportCollector> collector_ = std::make_shared<ReportCollector>();
     std::shared_ptr<ProgressBar> bar_ = makeBar();
     Output output_;
+    bool isInterrupted_ = false; ///< the user has enough
 };
 
 } // namespace

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tools/pelluvia/nmea/Driver.h>
+
 #include <string>
 #include <variant>
 #include <vector>
@@ -12,7 +14,8 @@ namespace pelluvia::host {
 /// How a source or a target is written.
 enum class Format {
     GPX,
-    Calls ///< a call log: one receiver call a line (docs/call-log.md)
+    Calls, ///< a call log: one receiver call a line (docs/call-log.md)
+    NMEA   ///< NMEA 0183, from a log or a receiver
 };
 
 /// Which kinds of transfers are converted.
@@ -34,6 +37,7 @@ struct ConvertOptions {
     std::string target;          ///< "-" is standard output
     Format targetFormat = Format::GPX;
     Selection only;
+    nmea::DriverOptions nmea; ///< for sources of that format
     std::string
         creator; ///< for the header of a GPX target, as XML attribute text; empty: the default
     bool quiet = false;   ///< no progress bar

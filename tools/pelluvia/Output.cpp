@@ -1,6 +1,7 @@
 #include <tools/pelluvia/Output.h>
 
 #include <tools/pelluvia/calllog/CallLogWriter.h>
+#include <tools/pelluvia/nmea/NMEAWriter.h>
 
 #include <Pelluvia/gpxwriter/GPXExporter.h>
 #include <Pelluvia/model/TransferKind.h>
@@ -49,13 +50,36 @@ Output openCallLog(const std::string &path, const std::shared_ptr<ReportCollecto
             .openFailure = {}};
 }
 
+Output openNMEA(const std::string &path, const std::shared_ptr<ReportCollector> &collector,
+                const std::shared_ptr<GPXExporterProgress> &progress) {
+    std::error_code error;
+    const auto writer = nmea::NMEAWriter::initWithPath(path, error);
+    if (writer == nullptr) {
+        return {.receiver = nullptr, .finish = {}, .hasFailed = {}, .openFailure = error};
+    }
+    writer->setErrorObject(collector, &ReportCollector::take);
+    writer->setProgress(progress);
+    return {.receiver = writer,
+            .finish = [writer] { return writer->close(); },
+            .hasFailed = [writer] { return bool(writer->failure()); },
+            .openFailure = {},
+            .remark = [writer] { return nmea::textOf(writer->omissions()); }};
+}
+
 } // namespace
 
 Output Output::open(Format format, const std::string &path,
                     const std::shared_ptr<ReportCollector> &collector,
                     const std::shared_ptr<GPXExporterProgress> &progress) {
-    return format == Format::GPX ? openGPX(path, collector, progress)
-                                 : openCallLog(path, collector, progress);
+    switch (format) {
+    case Format::Calls:
+        return openCallLog(path, collector, progress);
+    case Format::NMEA:
+        return openNMEA(path, collector, progress);
+    case Format::GPX:
+        break;
+    }
+    return openGPX(path, collector, progress);
 }
 
 } // namespace pelluvia::host

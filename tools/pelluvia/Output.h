@@ -23,6 +23,9 @@ struct Output {
     std::function<bool()> hasFailed;
     /// Why the document could not be opened.
     std::error_code openFailure;
+    /// Asked after `finish`: what the format could not hold, in a line; empty when there is nothing
+    /// to say. Null where there never is.
+    std::function<std::string()> remark = {};
 
     /// Opens a document. `collector` is told of what producers report, `progress`, which may be
     /// null, of points.

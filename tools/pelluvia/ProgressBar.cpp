@@ -42,7 +42,7 @@ void ProgressBar::gpxStartTransfer(int /*kind*/, int count) {
 }
 
 void ProgressBar::gpxProgress(int kind, int index) {
-    if (index % stride != 0) {
+    if (isMuted_ || index % stride != 0) {
         return;
     }
     const auto now = clock_();
@@ -67,6 +67,13 @@ void ProgressBar::draw(int kind, int index) {
                .append(isKnown ? barText(index, count_) : std::to_string(index) + " points")
                .append(eraseRest));
     isShown_ = true;
+}
+
+void ProgressBar::setMuted(bool isMuted) {
+    isMuted_ = isMuted;
+    if (isMuted) {
+        clear();
+    }
 }
 
 void ProgressBar::clear() {

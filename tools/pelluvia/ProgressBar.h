@@ -30,6 +30,8 @@ class ProgressBar : public GPXExporterProgress {
 
     /// Takes the line away; the next progress brings it back.
     void clear();
+    /// Takes the line away and leaves it to something else until told otherwise.
+    void setMuted(bool isMuted);
 
     /// Only every so many items the clock is looked at.
     static constexpr int stride = 256;
@@ -43,6 +45,7 @@ class ProgressBar : public GPXExporterProgress {
     Clock clock_;
     int count_ = 0;
     bool isShown_ = false;
+    bool isMuted_ = false;
     std::chrono::steady_clock::time_point lastDrawn_;
 };
 

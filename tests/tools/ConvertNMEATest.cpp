@@ -1,0 +1,255 @@
+#include "Pelluvia.h"
+
+#include <array>
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <string>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace pelluvia {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using testing::Outcome;
+using testing::readFile;
+using testing::TemporaryFolder;
+
+// Receivers' lines without checksums, which need none.
+const std::string first = "$GPRMC,120000,A,4807.038,N,01131.000,E,10.0,,150824,,,A\r\n"
+                          "$GPGGA,120000,4807.038,N,01131.000,E,1,8,0.9,545.4,M,46.9,M,,\r\n";
+const std::string second = "$GPRMC,120001,A,4808.038,N,01131.000,E,10.0,,150824,,,A\r\n"
+                           "$GPGGA,120001,4808.038,N,01131.000,E,1,8,0.9,546.4,M,46.9,M,,\r\n";
+const std::string undated = "$GPGGA,120000,4807.038,N,01131.000,E,1,8,0.9,545.4,M,46.9,M,,\r\n"
+                            "$GPGGA,120100,4808.038,N,01131.000,E,1,8,0.9,545.4,M,46.9,M,,\r\n";
+
+TEST(ConvertNMEA, WritesALogAsGPXAndSaysWhatWasInIt) {
+    const TemporaryFolder folder;
+    for (const char *name : {"ride.nmea", "ride.LOG"}) {
+        const Outcome outcome = testing::pelluvia(
+            {"convert", folder.write(name, first + "noise\r\n" + second), folder.file("out.gpx")});
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.errors, folder.file(name) + ": 4 sentences, 2 points; 0 with a bad "
+                                                      "checksum, 0 not used; 1 line of something "
+                                                      "else\n");
+        EXPECT_THAT(readFile(folder.file("out.gpx")),
+                    AllOf(HasSubstr("<trkpt lat=\"48.1173\" lon=\"11.51666667\"><ele>545.400000"
+                                    "</ele><time>2024-08-15T12:00:00Z</time>"),
+                          HasSubstr("<speed>5.144444</speed>"),
+                          HasSubstr("<time>2024-08-15T12:00:01Z</time>")));
+    }
+}
+
+TEST(ConvertNMEA, ReadsAPipe) {
+    const Outcome outcome =
+        testing::pelluvia({.arguments = {"convert", "--from", "nmea", "--to", "calls", "-", "-"},
+                           .input = first + second});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("\"time\":1723723201"));
+    EXPECT_TRUE(outcome.output.ends_with("{\"call\":\"endTransfer:\",\"kind\":1}\n"));
+}
+
+TEST(ConvertNMEA, SourcesOfAllFormatsFollowOneAnother) {
+    const TemporaryFolder folder;
+    const std::string log = folder.write("a.nmea", first);
+    const Outcome outcome =
+        testing::pelluvia({"convert", "--to", "calls", log, testing::ride(), log, "-"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_TRUE(outcome.output.starts_with("{\"call\":\"startTransfer:kind:extra:\",\"kind\":1"));
+}
+
+TEST(ConvertNMEA, OnlyTheChosenKindsAreConverted) {
+    const TemporaryFolder folder;
+    const std::string log = folder.write("a.nmea", first + "$GPWPL,4807.038,N,01131.000,E,HOME\n");
+    const Outcome outcome =
+        testing::pelluvia({"convert", "--only", "waypoints", "--to", "calls", log, "-"});
+    EXPECT_THAT(outcome.output, AllOf(HasSubstr("HOME"), Not(HasSubstr("trackPoint"))));
+}
+
+TEST(ConvertNMEA, ALogWithoutADateSaysSoOrTakesOne) {
+    const TemporaryFolder folder;
+    const std::string log = folder.write("a.nmea", undated);
+    const Outcome without = testing::pelluvia({"convert", log, "-"});
+    EXPECT_EQ(without.status, 0);
+    EXPECT_THAT(without.output, Not(HasSubstr("<time>")));
+    EXPECT_THAT(without.errors, HasSubstr("2 points without a time"));
+    const Outcome with = testing::pelluvia({"convert", "--date", "2024-08-15", log, "-"});
+    EXPECT_THAT(with.output, HasSubstr("<time>2024-08-15T12:01:00Z</time>"));
+    EXPECT_THAT(with.errors, Not(HasSubstr("without a time")));
+}
+
+TEST(ConvertNMEA, TheGapThatBreaksATrackIsAnOption) {
+    const TemporaryFolder folder;
+    const std::string log = folder.write("a.nmea", undated);
+    const auto segments = [&](const char *gap) {
+        const Outcome outcome =
+            testing::pelluvia({"convert", "--gap", gap, "--to", "calls", log, "-"});
+        int count = 0;
+        for (std::size_t at = 0;
+             (at = outcome.output.find("newTrackSegment", at)) != std::string::npos; ++at) {
+            ++count;
+        }
+        return count;
+    };
+    EXPECT_EQ(segments("60"), 1);
+    EXPECT_EQ(segments("59"), 2);
+}
+
+TEST(ConvertNMEA, AnySourceCanBecomeALog) {
+    const TemporaryFolder folder;
+    const std::string log = folder.file("ride.nmea");
+    const Outcome there = testing::pelluvia({"convert", testing::ride(), log});
+    EXPECT_EQ(there.status, 0);
+    EXPECT_THAT(readFile(log), AllOf(HasSubstr("$GPRMC,"), HasSubstr("$GPWPL,")));
+    const Outcome back = testing::pelluvia({"convert", "--to", "calls", log, "-"});
+    EXPECT_EQ(back.status, 0);
+    EXPECT_THAT(back.errors, HasSubstr("; 0 with a bad checksum, 0 not used\n"));
+}
+
+TEST(ConvertNMEA, SaysWhatALogCannotHold) {
+    const Outcome outcome = testing::pelluvia(
+        {.arguments = {"convert", "--from", "calls", "--to", "nmea", "-", "-"},
+         .input = "{\"call\":\"trackPoint:extra:\",\"point\":{\"latitude\":95.0,\"longitude\":0.0,"
+                  "\"altitude\":0.0,\"time\":0,\"test\":0},\"extra\":null}\n"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors, "standard output: left out: 1 without a position on the globe\n");
+}
+
+TEST(ConvertNMEA, WrongOptionsAreWrongUsage) {
+    for (const auto &[option, value] :
+         {std::pair("--baud", "4801"), std::pair("--baud", "fast"),
+          std::pair("--date", "2024-02-30"), std::pair("--date", "yesterday"),
+          std::pair("--gap", "-1"), std::pair("--gap", "long")}) {
+        const Outcome outcome = testing::pelluvia({"convert", option, value, "a.nmea", "b.gpx"});
+        EXPECT_EQ(outcome.status, 2) << option << value;
+        EXPECT_THAT(outcome.errors, HasSubstr(option));
+    }
+}
+
+TEST(ConvertNMEA, AMissingLogIsABadSource) {
+    const TemporaryFolder folder;
+    const Outcome outcome =
+        testing::pelluvia({"convert", folder.file("none.nmea"), folder.file("out.gpx")});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_FALSE(fs::exists(folder.file("out.gpx")));
+}
+
+/// A receiver on a pseudo-terminal, and the program that reads it into a call log that can be
+/// watched.
+class LiveReceiver {
+  public:
+    explicit LiveReceiver(const std::string &target) {
+        termios raw{};
+        ::cfmakeraw(&raw);
+        std::array<char, 100> name{};
+        EXPECT_EQ(::openpty(&master_, &slave_, name.data(), &raw, nullptr), 0);
+        std::array<int, 2> errors{};
+        EXPECT_EQ(::pipe2(errors.data(), O_CLOEXEC), 0);
+        child_ = ::fork();
+        if (child_ == 0) {
+            ::dup2(errors[1], STDERR_FILENO);
+            ::close(master_);
+            ::close(slave_);
+            ::execl(PELLUVIA_PROGRAM, PELLUVIA_PROGRAM, "convert", "--from", "nmea", "--verbose",
+                    name.data(), target.c_str(), nullptr);
+            ::_exit(127);
+        }
+        ::close(errors[1]);
+        errors_ = errors[0];
+    }
+    LiveReceiver(const LiveReceiver &) = delete;
+    LiveReceiver &operator=(const LiveReceiver &) = delete;
+    ~LiveReceiver() {
+        hangUp();
+        ::close(slave_);
+        ::close(errors_);
+    }
+
+    /// Sends lines and then one that is so long that the program logs it, and waits until it has.
+    void sendAndWait(const std::string &lines) {
+        const std::string all = lines + "$GPTXT," + std::string(90, 'x') + "\r\n";
+        ASSERT_EQ(::write(master_, all.data(), all.size()), static_cast<ssize_t>(all.size()));
+        while (text_.find("exceeds") == std::string::npos) {
+            ASSERT_TRUE(readErrors());
+        }
+    }
+    void signal(int number) const { EXPECT_EQ(::kill(child_, number), 0); }
+    void hangUp() {
+        if (master_ >= 0) {
+            ::close(master_);
+            ::close(slave_);
+            master_ = -1;
+            slave_ = -1;
+        }
+    }
+    /// Waits for the end.
+    Outcome outcome() {
+        while (readErrors()) {
+        }
+        int status = 0;
+        EXPECT_EQ(::waitpid(child_, &status, 0), child_);
+        return {.status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status),
+                .output = {},
+                .errors = text_};
+    }
+
+  private:
+    bool readErrors() {
+        std::array<char, 1000> buffer{};
+        const ssize_t got = ::read(errors_, buffer.data(), buffer.size());
+        if (got > 0) {
+            text_.append(buffer.data(), static_cast<std::size_t>(got));
+        }
+        return got > 0;
+    }
+
+    int master_ = -1;
+    int slave_ = -1;
+    int errors_ = -1;
+    pid_t child_ = -1;
+    std::string text_;
+};
+
+TEST(ConvertNMEA, AnInterruptBringsTheTargetToAProperEnd) {
+    for (const int number : {SIGINT, SIGTERM}) {
+        const TemporaryFolder folder;
+        const std::string target = folder.write("out.gpx", "old");
+        LiveReceiver receiver(target);
+        receiver.sendAndWait(first + second);
+        receiver.signal(number);
+        const Outcome outcome = receiver.outcome();
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_THAT(outcome.errors,
+                    HasSubstr("5 sentences, 2 points; 0 with a bad checksum, 1 not used"));
+        const std::string document = readFile(target);
+        EXPECT_THAT(document, HasSubstr("<time>2024-08-15T12:00:01Z</time>"));
+        EXPECT_TRUE(document.ends_with("</trkseg>\n</trk>\n</gpx>\n")) << document;
+    }
+}
+
+TEST(ConvertNMEA, AReceiverThatIsLostIsABadSourceWithWhatItSentKept) {
+    const TemporaryFolder folder;
+    const std::string target = folder.file("out.gpx");
+    LiveReceiver receiver(target);
+    receiver.sendAndWait(first + second);
+    receiver.hangUp();
+    const Outcome outcome = receiver.outcome();
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, AllOf(HasSubstr("the receiver was lost: "), HasSubstr("2 points"),
+                                      HasSubstr("out.gpx is partial")));
+    const std::string document = readFile(target);
+    EXPECT_THAT(document, HasSubstr("<time>2024-08-15T12:00:01Z</time>"));
+    EXPECT_TRUE(document.ends_with("</trkseg>\n</trk>\n</gpx>\n")) << document;
+}
+
+} // namespace
+} // namespace pelluvia
