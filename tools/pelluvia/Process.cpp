@@ -30,9 +30,10 @@ void takeStandardDescriptors() {
 
 void prepareProcess() {
     takeStandardDescriptors();
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
-    std::setlocale(LC_MESSAGES, "");
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
+    // A language that is not installed leaves the messages in English. There is one thread yet.
+    static_cast<void>(std::setlocale(LC_MESSAGES, "")); // NOLINT(concurrency-mt-unsafe)
     mainThread::setScheduler([](const mainThread::Message &message) { message(); });
 }
 

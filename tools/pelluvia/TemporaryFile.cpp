@@ -24,7 +24,7 @@ extern "C" void removeAndEnd(int signal) {
         ::unlink(pathToRemove.data());
     }
     // The handler was installed to run once; this time the signal does what it always does.
-    ::raise(signal);
+    static_cast<void>(::raise(signal));
 }
 
 sigset_t endingSignalSet() {
@@ -41,11 +41,11 @@ class SignalsBlocked {
   public:
     SignalsBlocked() {
         const sigset_t set = endingSignalSet();
-        ::sigprocmask(SIG_BLOCK, &set, &before_);
+        ::pthread_sigmask(SIG_BLOCK, &set, &before_);
     }
     SignalsBlocked(const SignalsBlocked &) = delete;
     SignalsBlocked &operator=(const SignalsBlocked &) = delete;
-    ~SignalsBlocked() { ::sigprocmask(SIG_SETMASK, &before_, nullptr); }
+    ~SignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
 
   private:
     sigset_t before_{};
