@@ -1,6 +1,6 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
-#include <Pelluvia/gpximport/GPXVocabulary.h>
+#include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 #include <Pelluvia/model/ErrorDomains.h>
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/TransferKind.h>
@@ -162,6 +162,8 @@ ErrorPtr GPXFileImporter::runParser(std::int32_t kind) {
     return failed ? parser->parserError() : nullptr;
 }
 
+// An operation of the object, though it needs nothing of it.
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 std::string GPXFileImporter::getLocalErrorFromString(std::string_view string) const {
     return localized(string);
 }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <Pelluvia/gpximport/CollectedPoint.h>
 #include <Pelluvia/gpximport/CollectedText.h>
 #include <Pelluvia/gpximport/GPXImportCounter.h>
 #include <Pelluvia/model/GPSOutputReceiver.h>
-#include <Pelluvia/model/GPSPoint.h>
 #include <Pelluvia/platform/Dictionary.h>
 #include <Pelluvia/platform/Error.h>
 #include <Pelluvia/platform/Export.h>
@@ -74,16 +74,16 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     ~GPXFileImporter() override;
 
     /// Whether the passes for tracks, routes and waypoints run.
-    void setDoTracks(bool doTracks) noexcept;
-    void setDoRoutes(bool doRoutes) noexcept;
-    void setDoWaypoints(bool doWaypoints) noexcept;
+    void setDoTracks(bool should) noexcept;
+    void setDoRoutes(bool should) noexcept;
+    void setDoWaypoints(bool should) noexcept;
 
     /// The file that every parse reads. Threads: any.
     [[nodiscard]] std::optional<URL> fileURL() const;
-    void setFileURL(std::optional<URL> url);
+    void setFileURL(std::optional<URL> newURL);
 
     /// Sets `fileURL` to the file at the path (UTF-8) and imports it. Null when all went well.
-    [[nodiscard]] ErrorPtr processFile(std::string_view path);
+    [[nodiscard]] ErrorPtr processFile(std::string_view filePath);
 
     /// Imports the file at `fileURL`. The argument is not used: set `fileURL` first, as
     /// `processFile` does. Null when all went well, and when `fileURL` is nil: the transfers are
@@ -239,7 +239,7 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     ErrorPtr lastError;    // of the structural abort in the current pass
     std::int32_t mode = 0; // the transfer kind of the current pass
     std::shared_ptr<GPXImportCounter> counters;
-    GPSPoint currentPoint;
+    CollectedPoint currentPoint;
     std::int32_t recno = 0;
     float gpxVersion = 0; // 1.0 or 1.1 by the namespace; read by nothing
 

@@ -1,7 +1,6 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
-#include <Pelluvia/companion/Companion.h>
-#include <Pelluvia/gpximport/GPXVocabulary.h>
+#include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 #include <Pelluvia/platform/Scanner.h>
 #include <Pelluvia/platform/XMLParser.h>
 
@@ -239,13 +238,12 @@ void GPXFileImporter::takeInt(std::int32_t &field) noexcept {
 }
 
 void GPXFileImporter::takeAltitude() noexcept {
-    currentPoint.altitude = doubleValue(currentStringValue);
+    currentPoint.setAltitude(currentStringValue);
     currentStringValue.clear();
 }
 
 void GPXFileImporter::takeTime() noexcept {
-    Scanner scanner(currentStringValue);
-    currentPoint.time = scanISO8601DateAsSeconds(scanner).value_or(0);
+    currentPoint.setTime(currentStringValue);
     currentStringValue.clear();
 }
 

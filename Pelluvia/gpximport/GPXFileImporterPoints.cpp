@@ -45,8 +45,7 @@ const Dictionary *unlessEmpty(const Dictionary &extras) noexcept {
 } // namespace
 
 void GPXFileImporter::clearPoint() noexcept {
-    currentPoint.latitude = currentPoint.longitude = currentPoint.altitude = 0.0;
-    currentPoint.time = 0;
+    currentPoint.clear();
     for (CollectedText *text :
          {&comment, &description, &name, &number, &symbol, &url, &urlName, &geocacheTerrain,
           &geocacheDifficulty, &geocacheType, &geocacheHint, &geocacheName, &sensor}) {
@@ -73,7 +72,7 @@ void GPXFileImporter::addWaypoint() {
     addText(scratch, extras::geocacheOwner, geocacheOwner);
     addText(scratch, extras::geocacheHint, geocacheHint);
     addFloat(scratch, extras::proximity, proximity);
-    output->wayPoint(currentPoint, &scratch);
+    output->wayPoint(currentPoint.read(), &scratch);
     clearPoint();
 }
 
@@ -99,7 +98,7 @@ void GPXFileImporter::addRoutePoint() {
     addText(scratch, extras::symbol, symbol);
     addText(scratch, extras::url, url);
     addText(scratch, extras::urlName, urlName);
-    output->routePoint(currentPoint, &scratch);
+    output->routePoint(currentPoint.read(), &scratch);
     clearPoint();
 }
 
@@ -138,7 +137,7 @@ void GPXFileImporter::addTrkPt() {
     addText(scratch, extras::sensor, sensor);
     addFloat(scratch, extras::temp, temp);
     // Not cleared: what was collected stays until the next point starts.
-    output->trackPoint(currentPoint, unlessEmpty(scratch));
+    output->trackPoint(currentPoint.read(), unlessEmpty(scratch));
 }
 
 void GPXFileImporter::endRoute() noexcept {}

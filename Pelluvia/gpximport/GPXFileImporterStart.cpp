@@ -1,7 +1,6 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
-#include <Pelluvia/gpximport/GPXVocabulary.h>
-#include <Pelluvia/platform/Scanner.h>
+#include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 
 /// \file
 /// The importer at the start of elements: flags, attributes, and the tests of nesting.
@@ -245,8 +244,7 @@ void GPXFileImporter::readPosition(const XMLAttributes &attributes) noexcept {
     const auto latitude = attribute(attributes, Name::Lat);
     const auto longitude = attribute(attributes, Name::Lon);
     if (latitude && longitude) {
-        currentPoint.longitude = doubleValue(*longitude);
-        currentPoint.latitude = doubleValue(*latitude);
+        currentPoint.setPosition(*latitude, *longitude);
     }
 }
 

@@ -1,6 +1,6 @@
 #include <Pelluvia/gpximport/GPXImportCounter.h>
 
-#include <Pelluvia/gpximport/GPXVocabulary.h>
+#include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 
 #include <limits>
 

@@ -1,6 +1,6 @@
 #include <Pelluvia/gpxwriter/GPXWriter.h>
 
-#include <Pelluvia/gpxwriter/DictionaryStrings.h>
+#include <Pelluvia/gpxwriter/internal/DictionaryStrings.h>
 #include <Pelluvia/platform/Text.h>
 
 #include <cstdlib>
@@ -11,18 +11,13 @@ namespace pelluvia {
 
 namespace {
 
-const Value *find(const Dictionary *dictionary, const Key &key) noexcept {
-    return dictionary != nullptr ? dictionary->find(key) : nullptr;
-}
-
 std::optional<Number> findNumber(const Dictionary *dictionary, const Key &key) noexcept {
-    const Value *value = find(dictionary, key);
-    return value != nullptr ? value->number() : std::nullopt;
+    return dictionary != nullptr ? dictionary->number(key) : std::nullopt;
 }
 
 std::optional<std::string_view> findASCII(const Dictionary *dictionary, const Key &key) noexcept {
-    const Value *value = find(dictionary, key);
-    const std::optional<std::string_view> text = value != nullptr ? value->string() : std::nullopt;
+    const std::optional<std::string_view> text =
+        dictionary != nullptr ? dictionary->string(key) : std::nullopt;
     return text && isASCII(*text) ? text : std::nullopt;
 }
 

@@ -1,4 +1,4 @@
-#include <Pelluvia/gpxwriter/Elements.h>
+#include <Pelluvia/gpxwriter/internal/Elements.h>
 
 #include <Pelluvia/companion/Companion.h>
 #include <Pelluvia/gpxwriter/GPXWriter.h>

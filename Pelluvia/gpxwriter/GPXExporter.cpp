@@ -1,6 +1,6 @@
 #include <Pelluvia/gpxwriter/GPXExporter.h>
 
-#include <Pelluvia/gpxwriter/DictionaryStrings.h>
+#include <Pelluvia/gpxwriter/internal/DictionaryStrings.h>
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/platform/Text.h>
 
@@ -44,7 +44,7 @@ std::shared_ptr<GPXExporter> GPXExporter::init() {
 }
 
 std::shared_ptr<GPXExporter> GPXExporter::initWithPath(const std::string &path) {
-    const GPXRef document = GPXCreate(path.c_str());
+    GPXRef document = GPXCreate(path.c_str());
     if (document == nullptr) {
         return nullptr; // At once: destroying anything here could change errno.
     }

@@ -24,15 +24,13 @@ namespace pelluvia {
 ///
 /// What becomes of the calls:
 ///
-/// | call                                     | in the file                                   |
-/// |------------------------------------------|-----------------------------------------------|
-/// | `newTrack`, `newTrackSegment`, `newRoute`| `trk`, `trkseg`, `rte`                        |
-/// | `trackPoint`                             | `trkpt`; a data-only point, in its segment's
-/// extensions | | `wayPoint`                               | `wpt`, or `rtept` while a route is
-/// open       | | `routePoint`                             | nothing; it is counted | |
-/// `lapInfoStart`                           | `gpxdata:lap`                                 | |
-/// `endTransfer`                            | the end of the track or route, by the kind    | |
-/// `poiPoint`, `currentPosition`, `startSending`, `sendProgress`, `endSending` | nothing    |
+///  - `newTrack`, `newTrackSegment` and `newRoute` start a `trk`, a `trkseg` and an `rte`.
+///  - `trackPoint` writes a `trkpt`; a data-only point goes into the extensions of its segment.
+///  - `wayPoint` writes a `wpt`, or an `rtept` while a route is open.
+///  - `routePoint` writes nothing and is counted: a route's points are sent as waypoints.
+///  - `lapInfoStart` writes a `gpxdata:lap`.
+///  - `endTransfer` ends the track or the route, as its kind says.
+///  - `poiPoint`, `currentPosition`, `startSending`, `sendProgress` and `endSending` do nothing.
 ///
 /// Names, comments and other texts that are not ASCII are left out. A route's number is read from
 /// `extras::routeNumber`.

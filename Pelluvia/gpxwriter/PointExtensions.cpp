@@ -1,4 +1,4 @@
-#include <Pelluvia/gpxwriter/PointExtensions.h>
+#include <Pelluvia/gpxwriter/internal/PointExtensions.h>
 
 #include <Pelluvia/gpxwriter/GPXWriter.h>
 #include <Pelluvia/model/ExtrasKeys.h>
@@ -68,10 +68,8 @@ std::string_view writableSensor(std::string_view sensor) noexcept {
 
 void appendDistanceAndSensor(TextCursor &text, PrefixedTags &tags,
                              const Dictionary &extras) noexcept {
-    const Value *distanceValue = extras.find(extras::distance);
-    const Value *sensorValue = extras.find(extras::sensor);
-    const auto distance = distanceValue != nullptr ? distanceValue->number() : std::nullopt;
-    const auto sensor = sensorValue != nullptr ? sensorValue->string() : std::nullopt;
+    const auto distance = extras.number(extras::distance);
+    const auto sensor = extras.string(extras::sensor);
 
     if (distance && sensor) {
         tags.start("distance sensor=\"").string(writableSensor(*sensor)).literal("\">");

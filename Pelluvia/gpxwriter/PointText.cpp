@@ -1,4 +1,4 @@
-#include <Pelluvia/gpxwriter/PointText.h>
+#include <Pelluvia/gpxwriter/internal/PointText.h>
 
 #include <limits>
 

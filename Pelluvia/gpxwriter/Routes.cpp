@@ -1,6 +1,6 @@
 #include <Pelluvia/gpxwriter/GPXWriter.h>
 
-#include <Pelluvia/gpxwriter/Elements.h>
+#include <Pelluvia/gpxwriter/internal/Elements.h>
 
 namespace pelluvia {
 

@@ -1,7 +1,7 @@
 #include <Pelluvia/gpxwriter/GPXWriter.h>
 
-#include <Pelluvia/gpxwriter/PointExtensions.h>
-#include <Pelluvia/gpxwriter/PointText.h>
+#include <Pelluvia/gpxwriter/internal/PointExtensions.h>
+#include <Pelluvia/gpxwriter/internal/PointText.h>
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/GPXNamespaces.h>
 
@@ -35,7 +35,7 @@ void collectDataPoint(GPXDocument &document, std::int64_t time, const Dictionary
     std::array<char, largestTrackPoint> buffer;
     TextCursor text(buffer.data());
     text.literal("<gpxdata:dataPt xmlns=\"" PELLUVIA_GPXDATA_NAMESPACE "\">");
-    // Time before elevation, the other way round than in trkpt: it is how this element is read.
+    // Time before elevation, the other way round than in trkpt: the order is part of the format.
     appendTime(text, time);
     appendElevation(text, altitude);
     const char *const extensions = text.position();
@@ -49,8 +49,7 @@ void collectDataPoint(GPXDocument &document, std::int64_t time, const Dictionary
 void appendExtensions(TextCursor &text, const Dictionary &extras) noexcept {
     text.literal("<extensions>");
     appendPointExtensions(text, &extras, true);
-    const Value *value = extras.find(extras::speed);
-    if (const auto speed = value != nullptr ? value->number() : std::nullopt) {
+    if (const auto speed = extras.number(extras::speed)) {
         text.literal("<gpxtpx:TrackPointExtension><speed>");
         text.fixed(double{speed->floatValue()});
         text.literal("</speed></gpxtpx:TrackPointExtension>");

@@ -1,8 +1,8 @@
 #include <Pelluvia/gpxwriter/GPXWriter.h>
 
-#include <Pelluvia/gpxwriter/DictionaryStrings.h>
-#include <Pelluvia/gpxwriter/Elements.h>
-#include <Pelluvia/gpxwriter/PointText.h>
+#include <Pelluvia/gpxwriter/internal/DictionaryStrings.h>
+#include <Pelluvia/gpxwriter/internal/Elements.h>
+#include <Pelluvia/gpxwriter/internal/PointText.h>
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/GPXNamespaces.h>
 

@@ -1,10 +1,10 @@
 #include <Pelluvia/platform/Key.h>
 
 #include <deque>
+#include <limits>
 #include <mutex>
 #include <string>
 #include <unordered_map>
-#include <vector>
 
 namespace pelluvia {
 
@@ -19,17 +19,13 @@ class KeyPool {
             ++names_[found->second].owners;
             return id(found->second);
         }
-        std::uint32_t position = 0;
-        if (free_.empty()) {
-            position = static_cast<std::uint32_t>(names_.size());
-            names_.emplace_back();
-        } else {
-            position = free_.back();
-            free_.pop_back();
-        }
-        names_[position].text = name;
-        names_[position].owners = 1;
-        positions_.emplace(names_[position].text, position);
+        // Where memory runs out here the place is still the first free one.
+        const std::uint32_t position = firstFreePosition();
+        Name &place = names_[position];
+        place.text = name;
+        positions_.emplace(place.text, position);
+        place.owners = 1;
+        firstFree_ = place.nextFree;
         return id(position);
     }
 
@@ -43,8 +39,9 @@ class KeyPool {
         Name &name = names_[position(id)];
         if (--name.owners == 0) {
             positions_.erase(name.text);
-            name.text = {};
-            free_.push_back(position(id));
+            std::string().swap(name.text); // an assignment would keep the memory
+            name.nextFree = firstFree_;
+            firstFree_ = position(id);
         }
     }
 
@@ -54,10 +51,21 @@ class KeyPool {
     }
 
   private:
+    static constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
+
     struct Name {
         std::string text;
         std::size_t owners = 0;
+        std::uint32_t nextFree = none; // without owners: the next place that has none
     };
+
+    std::uint32_t firstFreePosition() {
+        if (firstFree_ == none) {
+            names_.emplace_back();
+            firstFree_ = static_cast<std::uint32_t>(names_.size() - 1);
+        }
+        return firstFree_;
+    }
 
     static std::uint32_t id(std::uint32_t position) {
         return position + static_cast<std::uint32_t>(knownKeyNames.size());
@@ -68,7 +76,7 @@ class KeyPool {
 
     std::mutex mutex_;
     std::deque<Name> names_; // a deque: the texts that `positions_` refers to never move
-    std::vector<std::uint32_t> free_;
+    std::uint32_t firstFree_ = none;
     std::unordered_map<std::string_view, std::uint32_t> positions_;
 };
 

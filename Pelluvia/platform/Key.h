@@ -15,8 +15,10 @@ namespace pelluvia {
 /// comparison.
 ///
 /// The names in `knownKeyNames` have fixed numbers and cost nothing to copy. Any other name is kept
-/// in a process-wide pool for as long as a key of that name lives, so a file full of invented keys
-/// leaves nothing behind.
+/// in a process-wide pool for as long as a key of that name lives, so that the invented keys of a
+/// file go with the file; their places are used again.
+///
+/// A key that was moved from is the key "count": assign to it or let it go.
 ///
 /// Threads: keys may be made, copied and destroyed on any thread at any time.
 class PELLUVIA_EXPORT Key {
@@ -31,7 +33,7 @@ class PELLUVIA_EXPORT Key {
         throw std::invalid_argument("not one of the known key names");
     }
 
-    /// The key of any name.
+    /// The key of any name, the empty one included.
     explicit Key(std::string_view name);
 
     constexpr Key(const Key &other) noexcept : id_(other.id_) {

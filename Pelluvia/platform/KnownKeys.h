@@ -20,7 +20,8 @@ inline constexpr auto knownKeyNames = std::to_array<std::string_view>({
     "trackNumber",  "trackIndex",   "trackEnd",      "hrMax",      "hrAvg",
     "cadenceMax",   "cadenceAvg",   "totalTime",     "speedMax",   "speedAvg",
     "powerAvg",     "powerMax",     "altMin",        "altMax",     "trackName",
-    "trigger",      "intensity",    "point",         "points",
+    "trigger",      "intensity",    "point",         "points",     "track",
+    "route",        "waypoint",     "laps",          "POIs",       "value",
 });
 
 } // namespace pelluvia

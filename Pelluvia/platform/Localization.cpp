@@ -5,11 +5,18 @@
 namespace pelluvia {
 
 std::string localized(std::string_view text, const char *domain) {
-    const std::string key(text);
+    // Our strings are UTF-8 whatever the locale's own encoding is.
+    [[maybe_unused]] static const char *const encoding =
+        bind_textdomain_codeset(frameworkTextDomain, "UTF-8");
+
+    std::string key(text);
     if (key.empty()) {
         return key; // gettext would answer with the catalogue's header
     }
     const char *translation = dgettext(domain, key.c_str());
+    if (translation == key.c_str()) {
+        return key; // no translation; and a NUL in the text must not cut it
+    }
     return translation;
 }
 

@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <mutex>
 #include <sys/eventfd.h>
 #include <unistd.h>
+#include <utility>
 
 namespace pelluvia::mainThread {
 
@@ -14,27 +16,27 @@ namespace {
 class Queue {
   public:
     void post(Message message) {
+        if (!message) {
+            return;
+        }
         // The lock also covers the scheduler's call, so that the order of posting is the order in
         // which the scheduler sees the messages. It is recursive for schedulers that post.
         const std::scoped_lock lock(mutex_);
         if (scheduler_) {
-            scheduler_(std::move(message));
+            passOn(std::move(message));
             return;
         }
         messages_.push_back(std::move(message));
+        ++posted_;
         if (messages_.size() == 1) {
             signal();
         }
     }
 
     std::size_t drain() {
-        std::size_t left = size();
+        const std::uint64_t end = posted();
         std::size_t ran = 0;
-        for (; left != 0; --left) {
-            const Message message = take();
-            if (!message) {
-                break; // another thread, or a nested drain, was faster
-            }
+        while (const Message message = takeBefore(end)) {
             message();
             ++ran;
         }
@@ -44,31 +46,43 @@ class Queue {
     [[nodiscard]] int fileDescriptor() const { return event_; }
 
     void setScheduler(Scheduler scheduler) {
+        auto replacement =
+            scheduler ? std::make_shared<const Scheduler>(std::move(scheduler)) : nullptr;
+        // The old scheduler goes with `replacement`, behind the lock.
         const std::scoped_lock lock(mutex_);
-        scheduler_ = std::move(scheduler);
+        scheduler_.swap(replacement);
         while (scheduler_ && !messages_.empty()) {
-            scheduler_(takeLocked());
+            passOn(takeFirst());
         }
     }
 
   private:
-    std::size_t size() {
+    std::uint64_t posted() {
         const std::scoped_lock lock(mutex_);
-        return messages_.size();
+        return posted_;
     }
 
-    Message take() {
+    /// The first message, if it was among the first `end` that were ever queued. Another thread or
+    /// a nested drain may have been faster, and newer messages may wait.
+    Message takeBefore(std::uint64_t end) {
         const std::scoped_lock lock(mutex_);
-        return messages_.empty() ? Message() : takeLocked();
+        return posted_ - messages_.size() < end ? takeFirst() : Message();
     }
 
-    Message takeLocked() {
+    // The functions below are called with the lock held.
+
+    Message takeFirst() {
         Message message = std::move(messages_.front());
         messages_.pop_front();
         if (messages_.empty()) {
             unsignal();
         }
         return message;
+    }
+
+    void passOn(Message message) const {
+        const auto scheduler = scheduler_; // lives on if it replaces itself
+        (*scheduler)(std::move(message));
     }
 
     // The counter of the descriptor is 1 while messages wait and 0 otherwise.
@@ -83,7 +97,8 @@ class Queue {
 
     std::recursive_mutex mutex_;
     std::deque<Message> messages_;
-    Scheduler scheduler_;
+    std::uint64_t posted_ = 0; // how many messages were ever queued
+    std::shared_ptr<const Scheduler> scheduler_;
     int event_ = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
 };
 

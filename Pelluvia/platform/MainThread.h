@@ -23,15 +23,21 @@ using Message = std::function<void()>;
 
 /// Takes each message in place of the queue, on the thread that posts it, and must see that the
 /// messages run on the main thread in the same order.
+///
+/// It is called with the queue locked, which keeps that order: it should pass the message on and
+/// return. It may post and set another scheduler, but not wait for another thread that does. What
+/// it throws reaches the caller of `post` or `setScheduler`; the message is then lost.
 using Scheduler = std::function<void(Message message)>;
 
-/// Queues a message and returns at once. Callable from any thread.
+/// Queues a message and returns at once; an empty function is not a message. Callable from any
+/// thread.
 PELLUVIA_EXPORT void post(Message message);
 
 /// Runs the messages that are queued now, in order, on the calling thread, which should be the
 /// host's main thread, and returns how many ran. Messages that these post are left for the next
-/// time. A message that throws has been taken off the queue; the exception reaches the caller and
-/// the messages behind it stay queued.
+/// time; a message may itself call `drain`, which then also runs the ones left. A message that
+/// throws has been taken off the queue; the exception reaches the caller and the messages behind it
+/// stay queued.
 PELLUVIA_EXPORT std::size_t drain();
 
 /// A descriptor that is readable while messages are queued. It belongs to the queue: watch it, do
@@ -39,7 +45,7 @@ PELLUVIA_EXPORT std::size_t drain();
 [[nodiscard]] PELLUVIA_EXPORT int fileDescriptor();
 
 /// Hands every message from now on, and those queued so far, to the scheduler; an empty function
-/// brings the queue back.
+/// brings the queue back. Callable from any thread.
 PELLUVIA_EXPORT void setScheduler(Scheduler scheduler);
 
 /// Queues the call of `selector` on `target` with `argument`. Both are kept alive until it has run.

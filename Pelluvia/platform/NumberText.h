@@ -30,4 +30,12 @@ PELLUVIA_EXPORT char *writeInteger(char *out, std::int64_t value) noexcept;
 /// As `%02d`: at least two characters, a minus sign among them.
 PELLUVIA_EXPORT char *writeTwoDigits(char *out, std::int64_t value) noexcept;
 
+/// As `%0<width>.<decimals>f`: zeros between the sign and the digits fill the width, spaces before
+/// infinity and NaN. At most 6 decimals and a width of at most `maxFixedText`, which is also the
+/// most bytes written.
+PELLUVIA_EXPORT char *writePaddedFixed(char *out, double value, int decimals,
+                                       std::size_t width) noexcept;
+/// As `%0<width>d`. The most bytes written are `maxIntegerText` or the width.
+PELLUVIA_EXPORT char *writePaddedInteger(char *out, std::int64_t value, std::size_t width) noexcept;
+
 } // namespace pelluvia

@@ -1,10 +1,12 @@
 #include <Pelluvia/platform/OutputFile.h>
 
 #include <array>
+#include <cassert>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace pelluvia {
@@ -22,11 +24,25 @@ std::error_code lastError() {
 /// Opens a path; the result and `errno` are those of `open`.
 int openPath(const std::string &path) {
     constexpr mode_t mode = 0666;
+    if (path.find('\0') != std::string::npos) { // the system would see another, shorter path
+        errno = EINVAL;
+        return -1;
+    }
     int descriptor = -1;
     do {
         descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode);
     } while (descriptor < 0 && errno == EINTR);
     return descriptor;
+}
+
+/// Whether a write that has just failed is worth another try. Where the descriptor was made not to
+/// block (by whoever the host shares it with), that is when it takes bytes again.
+bool isWorthAnotherTry(int descriptor) {
+    if (errno == EAGAIN) {
+        pollfd writable = {descriptor, POLLOUT, 0};
+        return ::poll(&writable, 1, -1) >= 0 || errno == EINTR;
+    }
+    return errno == EINTR;
 }
 
 } // namespace
@@ -53,20 +69,22 @@ std::optional<int> OutputFile::descriptorNamedBy(std::string_view path) noexcept
 }
 
 std::unique_ptr<OutputFile> OutputFile::open(const std::string &path, std::error_code &error) {
+    // Made first: where there is no memory, the file must not be truncated.
+    std::unique_ptr<OutputFile> file(new OutputFile);
     // A descriptor is copied, not opened anew through its path: that would truncate a file that
     // the shell has opened for appending, and start at its beginning.
     const std::optional<int> named = descriptorNamedBy(path);
-    const int descriptor = named ? ::fcntl(*named, F_DUPFD_CLOEXEC, 0) : openPath(path);
-    if (descriptor < 0) {
+    file->descriptor_ = named ? ::fcntl(*named, F_DUPFD_CLOEXEC, 0) : openPath(path);
+    if (file->descriptor_ < 0) {
         error = lastError();
         return nullptr;
     }
     error.clear();
-    return std::unique_ptr<OutputFile>(new OutputFile(descriptor));
+    return file;
 }
 
-// Not value-initialised: a small file should not pay for touching the whole buffer.
-OutputFile::OutputFile(int descriptor) : buffer_(new char[bufferSize]), descriptor_(descriptor) {}
+// The buffer is not value-initialised: a small file should not pay for touching all of it.
+OutputFile::OutputFile() : buffer_(new char[bufferSize]) {}
 
 OutputFile::~OutputFile() {
     close();
@@ -85,6 +103,7 @@ void OutputFile::write(std::string_view bytes) {
 }
 
 char *OutputFile::reserve(std::size_t size) {
+    assert(size <= largestReservation);
     if (bufferSize - used_ < size) {
         flush();
     }
@@ -93,13 +112,16 @@ char *OutputFile::reserve(std::size_t size) {
 
 void OutputFile::flush() {
     const char *position = buffer_.get();
-    std::size_t left = failure_ ? 0 : used_;
+    std::size_t left = failure_ || descriptor_ < 0 ? 0 : used_;
     while (left != 0) {
         const ssize_t written = ::write(descriptor_, position, left);
         if (written > 0) {
             position += written;
             left -= static_cast<std::size_t>(written);
-        } else if (written < 0 && errno != EINTR) {
+        } else if (written == 0) { // never of a file; asking on might never end
+            failure_ = std::make_error_code(std::errc::io_error);
+            break;
+        } else if (!isWorthAnotherTry(descriptor_)) {
             failure_ = lastError();
             break;
         }

@@ -16,11 +16,14 @@ namespace pelluvia {
 /// Writing never fails on the spot: the first failure is remembered, what follows is thrown away,
 /// and `failure` tells. So code that writes needs no checks and code that must know can ask.
 ///
+/// Nothing is synchronised to the disk. A pipe without a reader raises SIGPIPE; a host that would
+/// rather have a failure ignores that signal.
+///
 /// Threads: one at a time.
 class PELLUVIA_EXPORT OutputFile {
   public:
     /// Opens the path (UTF-8) for writing, truncating what is there or making a new file (mode 0666
-    /// less the umask). Null when that fails; `error` then says why.
+    /// less the umask). Null when that fails; `error` then says why, a code of `errno`'s.
     ///
     /// A path that names one of the process's open descriptors (see `descriptorNamedBy`) means that
     /// descriptor as it is: writing goes on at its position, nothing is truncated, and what the
@@ -35,21 +38,23 @@ class PELLUVIA_EXPORT OutputFile {
 
     OutputFile(const OutputFile &) = delete;
     OutputFile &operator=(const OutputFile &) = delete;
-    /// Closes the file if `close` was not called.
+    /// Closes the file if `close` was not called; whether that worked is then not to be known.
     ~OutputFile();
 
-    /// Appends the bytes.
+    /// Appends the bytes, any number.
     void write(std::string_view bytes);
 
     /// At least `size` bytes (at most `largestReservation`) to write into directly; `commit` says
     /// where writing ended. For code that formats many small pieces with one bounds check.
     [[nodiscard]] char *reserve(std::size_t size);
-    /// Makes everything up to `end`, a position in the last reservation, part of the file.
-    void commit(char *end) noexcept { used_ = static_cast<std::size_t>(end - buffer_.get()); }
+    /// Makes everything up to `end`, a position in the last reservation, part of the file. Nothing
+    /// else may be written in between.
+    void commit(const char *end) noexcept { used_ = static_cast<std::size_t>(end - buffer_.get()); }
 
     /// Writes what is still buffered.
     void flush();
-    /// Flushes and closes; nothing may be written any more. Returns `failure()`.
+    /// Flushes and closes. Returns `failure()`. What is written later is thrown away; closing again
+    /// does nothing.
     std::error_code close();
 
     /// The first failure of any write or of closing; no error while all went well.
@@ -59,11 +64,11 @@ class PELLUVIA_EXPORT OutputFile {
     static constexpr std::size_t largestReservation = 16 * 1024;
 
   private:
-    explicit OutputFile(int descriptor);
+    OutputFile();
 
     std::unique_ptr<char[]> buffer_;
     std::size_t used_ = 0;
-    int descriptor_;
+    int descriptor_ = -1;
     std::error_code failure_;
 };
 

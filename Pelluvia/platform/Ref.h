@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 
@@ -17,6 +18,8 @@ namespace pelluvia {
 /// the last `Ref` lets go. An object on the stack or inside another one is simply never referred
 /// to.
 ///
+/// Objects that own each other in a ring keep each other for ever.
+///
 /// Threads: counting is atomic; the object's content has no lock.
 template <class Derived>
 class RefCounted {
@@ -25,6 +28,11 @@ class RefCounted {
     /// A copy starts with owners of its own.
     RefCounted(const RefCounted &) noexcept {}
     RefCounted &operator=(const RefCounted &) noexcept { return *this; }
+
+    /// Whether the caller, an owner, is the only one: then nobody else can reach the object.
+    [[nodiscard]] bool hasOneOwner() const noexcept {
+        return owners_.load(std::memory_order_acquire) == 1;
+    }
 
     void retain() const noexcept { owners_.fetch_add(1, std::memory_order_relaxed); }
     void release() const noexcept {

@@ -15,14 +15,18 @@ class Selector {
     /// No message; performing it does nothing.
     Selector() = default;
 
-    /// The method of a target that must be passed to `perform` as a pointer to `Target`.
+    /// The method of a target that must be passed to `perform` as a pointer to `Target`, not to a
+    /// class that it derives from or that derives from it. A null method is no message.
     template <class Target, class Parameter>
-    explicit Selector(void (Target::*method)(Parameter))
-        : call_([method](void *target, Argument argument) {
-              (static_cast<Target *>(target)->*method)(std::move(argument));
-          }) {}
+    explicit Selector(void (Target::*method)(Parameter)) {
+        if (method != nullptr) {
+            call_ = [method](void *target, Argument argument) {
+                (static_cast<Target *>(target)->*method)(std::move(argument));
+            };
+        }
+    }
 
-    /// Calls the method on the target.
+    /// Calls the method on the target; a null target is left alone.
     void perform(void *target, Argument argument) const {
         if (call_ && target != nullptr) {
             call_(target, std::move(argument));

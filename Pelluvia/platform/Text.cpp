@@ -25,7 +25,7 @@ std::size_t whiteSpaceLength(std::string_view text) noexcept {
     }
     if (text.starts_with("\xE2\x80") && text.size() >= 3) {
         const auto last = static_cast<unsigned char>(text[2]);
-        const bool isSpace = last <= 0x8A; // U+2000 to U+200A
+        const bool isSpace = last >= 0x80 && last <= 0x8A; // U+2000 to U+200A
         return isSpace || last == 0xA8 || last == 0xA9 || last == 0xAF ? 3 : 0;
     }
     constexpr std::array<std::string_view, 3> others = {"\xE1\x9A\x80", "\xE2\x81\x9F",
@@ -44,6 +44,20 @@ std::size_t leadingWhiteSpace(std::string_view text) noexcept {
         length += next;
     }
     return length;
+}
+
+std::size_t trailingWhiteSpace(std::string_view text) noexcept {
+    std::string_view rest = text;
+    // No character is longer than 3 bytes, and none ends with the bytes of a shorter one.
+    for (std::size_t length = 1; length <= 3 && length <= rest.size();) {
+        if (whiteSpaceLength(rest.substr(rest.size() - length)) == length) {
+            rest.remove_suffix(length);
+            length = 1;
+        } else {
+            ++length;
+        }
+    }
+    return text.size() - rest.size();
 }
 
 } // namespace pelluvia

@@ -14,5 +14,7 @@ namespace pelluvia {
 /// the line and paragraph separators, and the control characters tab to carriage return and U+0085,
 /// in UTF-8. The same in every locale.
 [[nodiscard]] PELLUVIA_EXPORT std::size_t leadingWhiteSpace(std::string_view text) noexcept;
+/// The same of the white space that `text` ends with.
+[[nodiscard]] PELLUVIA_EXPORT std::size_t trailingWhiteSpace(std::string_view text) noexcept;
 
 } // namespace pelluvia

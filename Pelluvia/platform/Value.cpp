@@ -3,6 +3,7 @@
 #include <Pelluvia/platform/Array.h>
 #include <Pelluvia/platform/Dictionary.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -38,9 +39,7 @@ class Value::Text : public RefCounted<Value::Text> {
 
   private:
     explicit Text(std::string_view text) noexcept : size_(text.size()) {
-        char *target = bytes();
-        std::memcpy(target, text.data(), text.size());
-        target[text.size()] = '\0';
+        *std::copy(text.begin(), text.end(), bytes()) = '\0';
     }
     [[nodiscard]] char *bytes() const noexcept {
         // The bytes stand behind the object in the same allocation.
@@ -93,14 +92,6 @@ Value Value::wrappingBytes(const void *bytes, std::size_t size, const std::type_
 
 Value::Value(const Value &other) noexcept : bits_(other.bits_), kind_(other.kind_) {
     retainObject();
-}
-
-Value &Value::operator=(const Value &other) noexcept {
-    other.retainObject(); // before the release: both may hold the same object
-    releaseObject();
-    bits_ = other.bits_;
-    kind_ = other.kind_;
-    return *this;
 }
 
 std::optional<Number> Value::number() const noexcept {

@@ -21,7 +21,10 @@ class Dictionary;
 /// dictionary, or nothing (nil).
 ///
 /// Copying is cheap: strings and records are immutable and shared; arrays and dictionaries are
-/// objects, so a copied value refers to the same one.
+/// objects, so a copied value refers to the same one. A value that was moved from is nil.
+///
+/// Arrays and dictionaries may nest as deeply as memory allows; letting them go needs no stack. One
+/// that holds itself, directly or through others, is never let go unless its owner breaks the ring.
 ///
 /// Threads: as for any plain value; what two copies share is safe to read from two threads.
 class PELLUVIA_EXPORT Value {
@@ -43,7 +46,7 @@ class PELLUVIA_EXPORT Value {
     explicit Value(std::int64_t value) noexcept : kind_(Kind::Integer) { bits_.integer = value; }
     explicit Value(float value) noexcept : kind_(Kind::Float) { bits_.single = value; }
     explicit Value(double value) noexcept : kind_(Kind::Double) { bits_.real = value; }
-    /// A copy of the text, which should be UTF-8.
+    /// A copy of the text, which should be UTF-8 and may hold NULs.
     explicit Value(std::string_view text);
     /// Refers to the array; a null reference makes nil.
     explicit Value(Ref<Array> array) noexcept;
@@ -59,8 +62,8 @@ class PELLUVIA_EXPORT Value {
     Value(const Value &other) noexcept;
     Value(Value &&other) noexcept
         : bits_(other.bits_), kind_(std::exchange(other.kind_, Kind::Nil)) {}
-    Value &operator=(const Value &other) noexcept;
-    Value &operator=(Value &&other) noexcept {
+    // By value: what is let go may be the container that holds the new value.
+    Value &operator=(Value other) noexcept {
         std::swap(bits_, other.bits_);
         std::swap(kind_, other.kind_);
         return *this;
@@ -91,6 +94,7 @@ class PELLUVIA_EXPORT Value {
     [[nodiscard]] Dictionary *dictionary() const noexcept;
 
   private:
+    friend class Dictionary; // wraps records of a type that it was told
     class Text;
     class RecordBox;
 

@@ -17,28 +17,43 @@ class Sax2Engine;
 class Source;
 } // namespace xml
 
-/// The domain of the errors that the parser makes. Codes are those of the underlying XML library
-/// (for instance 4, empty document; 76, mismatched tags), and the one below.
+/// The domain of the errors that the parser makes. Codes are those of the underlying XML library,
+/// among them
+///
+///     1     a limit was reached (see `xmlLimits`)
+///     4     empty document
+///     9     a byte or character that XML does not allow
+///     32    unknown encoding
+///     76    mismatched tags
+///     77    the document ends within an element
+///     81    a declared encoding that the bytes contradict
+///     89    entities that refer to themselves or grow too much
+///     1549  the file cannot be opened or read
+///     6003  bytes that are no text in the encoding of the document
+///
+/// and the one below.
 inline constexpr std::string_view NSXMLParserErrorDomain = "NSXMLParserErrorDomain";
 /// The parse was stopped by `abortParsing`.
 inline constexpr int NSXMLParserDelegateAbortedParseError = 512;
 
-/// Keys of a parser error's user information: where it was found, both counted from 1.
+/// Keys of a parser error's user information, which also has `NSLocalizedDescriptionKey`: where it
+/// was found, both counted from 1 (integers). Both are 0 when the file could not be opened.
 inline constexpr std::string_view NSXMLParserErrorLineNumber = "NSXMLParserErrorLineNumber";
 inline constexpr std::string_view NSXMLParserErrorColumn = "NSXMLParserErrorColumn";
 
-/// Limits on what a document may ask for. Reaching one is a parse error.
+/// Limits on what a document may ask for. Exceeding one is a parse error. Together they see to it
+/// that the work for a document grows no faster than its size, and memory not at all.
 namespace xmlLimits {
 /// Elements inside elements.
-inline constexpr int depth = 256;
+inline constexpr std::size_t depth = 256;
 /// Bytes of the text between two tags, or of one attribute value.
 inline constexpr std::size_t textSize = 10'000'000;
-/// References to entities may make the events of a document larger than the document: by this many
-/// bytes, and beyond them by this factor of what was read.
+/// References to entities, and defaults of attributes, may add to a document: this many bytes, and
+/// beyond them this factor of what was read.
 inline constexpr std::size_t amplificationAllowance = 1'000'000;
 inline constexpr std::size_t amplificationFactor = 5;
 /// Bytes of all external entities of a document together. What would exceed it is not read.
-inline constexpr std::size_t externalEntitySize = 10'000'000;
+inline constexpr std::size_t externalEntitySize = 1'000'000;
 /// Bytes of the document type declaration, with its external parts.
 inline constexpr std::size_t declarationsSize = 256'000;
 /// Attributes of an element, and namespace declarations in force.
@@ -62,7 +77,11 @@ inline constexpr int attributes = 500;
 /// folder that holds the document (symbolic links followed first), and never over the network. A
 /// refused or missing one stands for no text and is logged.
 ///
-/// A prefix that is not declared is not an error: the element is in no namespace.
+/// A prefix that is not declared is not an error: the element is in no namespace. Comments and
+/// processing instructions are passed over; documents are not validated.
+///
+/// Nothing is written to the standard streams, and the settings that a host has made in the XML
+/// library for its own use are neither used nor changed.
 ///
 /// An exception that a delegate throws stops the parse and reaches the caller of `parse`.
 ///
@@ -77,7 +96,8 @@ class PELLUVIA_EXPORT XMLParser {
     XMLParser &operator=(const XMLParser &) = delete;
     ~XMLParser();
 
-    /// Who is told of the events; borrowed, must outlive the parse. Null: nobody.
+    /// Who is told of the events; borrowed, must outlive the parse. Null: nobody. To be set before
+    /// the parse, as what follows.
     void setDelegate(XMLParserDelegate *delegate) noexcept;
 
     /// Whether external entities are read; off at first.
@@ -89,12 +109,14 @@ class PELLUVIA_EXPORT XMLParser {
     bool parse();
 
     /// Called by the delegate during an event: no more events follow but the report of the abort.
+    /// At other times it does nothing.
     void abortParsing();
 
     /// The error that ended the parse, or null.
     [[nodiscard]] const ErrorPtr &parserError() const noexcept;
-    /// Where the parser stands, or where the error that ended it was found; counted from 1. Columns
-    /// are counted in bytes.
+    /// Where the parser stands in the document, or where the error that ended it was found; counted
+    /// from 1, or 0 when there is no place. Columns are counted in characters. Within the text of an
+    /// entity the place is that of the reference.
     [[nodiscard]] std::int64_t lineNumber() const noexcept;
     [[nodiscard]] std::int64_t columnNumber() const noexcept;
 

@@ -20,17 +20,18 @@ std::atomic<std::size_t> allocations = 0;
 
 } // namespace
 
-void *operator new(std::size_t size) {
+// Never inlined: the compiler would see memory of `malloc` given to `delete` and warn.
+[[gnu::noinline]] void *operator new(std::size_t size) {
     ++allocations;
     if (void *memory = std::malloc(size)) {
         return memory;
     }
     throw std::bad_alloc();
 }
-void operator delete(void *memory) noexcept {
+[[gnu::noinline]] void operator delete(void *memory) noexcept {
     std::free(memory);
 }
-void operator delete(void *memory, std::size_t /*size*/) noexcept {
+[[gnu::noinline]] void operator delete(void *memory, std::size_t /*size*/) noexcept {
     std::free(memory);
 }
 

@@ -194,6 +194,13 @@ TEST(ElementEnd, ForgetsLogsThatStandInTravelBugs) {
               "wayPoint: " + point("0", "0", "{comment: \"A\"}"));
 }
 
+TEST(ElementEnd, TakesNamesAgainBehindTheEndOfInnerTravelBugs) {
+    // The logs were never entered: their start stood inside travel bugs.
+    EXPECT_EQ(waypoint("<gs:travelbugs><gs:logs><gs:travelbugs/><gs:name>A</gs:name></gs:logs>"
+                       "</gs:travelbugs>"),
+              "wayPoint: " + point("0", "0", "{comment: \"A\"}"));
+}
+
 TEST(ElementEnd, TakesAddressAndNameOfGPX10AndTheLinkTextOfGPX11) {
     EXPECT_EQ(waypoint("<url>http://a.example</url><urlname>A</urlname>"),
               "wayPoint: " + point("0", "0", "{url: \"http://a.example\", urlName: \"A\"}"));

@@ -108,6 +108,23 @@ TEST(Points, AreForgottenBeforeTheNext) {
                             "wayPoint: (0, 0, 0, 0, 0) extra: {}"));
 }
 
+TEST(Points, AreForgottenWhenTheyAreSentButForTrackPoints) {
+    // The inner elements are no points at their start, only at their end.
+    const std::string inner = "<x:wpt xmlns:x='urn:x'/><x:rtept xmlns:x='urn:x'/>"
+                              "<x:trkpt xmlns:x='urn:x'/>";
+    const std::string point = " lat='1' lon='2'><ele>3</ele><name>A</name>" + inner;
+    EXPECT_THAT(importGPX("<rte><rtept" + point + "</rtept></rte>", onlyRoutes).data(),
+                ElementsAre("newRoute: nil", "routePoint: (1, 2, 3, 0, 0) extra: {name: \"A\"}",
+                            "routePoint: (0, 0, 0, 0, 0) extra: {}"));
+    EXPECT_THAT(importGPX("<wpt" + point + "</wpt>", onlyWaypoints).data(),
+                ElementsAre("wayPoint: (1, 2, 3, 0, 0) extra: {name: \"A\"}",
+                            "wayPoint: (0, 0, 0, 0, 0) extra: {}"));
+    EXPECT_THAT(
+        importGPX("<trk><trkseg><trkpt" + point + "</trkpt></trkseg></trk>", onlyTracks).data(),
+        ElementsAre("newTrack: nil", "newTrackSegment", "trackPoint: (1, 2, 3, 0, 0) extra: nil",
+                    "trackPoint: (1, 2, 3, 0, 0) extra: nil"));
+}
+
 TEST(Points, OfOtherKindsAreDroppedInSilence) {
     EXPECT_THAT(importGPX("<wpt><name>W</name></wpt><trk><name>T</name><trkseg/></trk>"
                           "<rte><name>R</name><rtept/></rte>",

@@ -1,6 +1,6 @@
 #include <Pelluvia/gpximport/GPXImportCounter.h>
 
-#include <Pelluvia/gpximport/GPXVocabulary.h>
+#include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 #include <Pelluvia/platform/XMLParser.h>
 #include <tests/gpximport/Importing.h>
 #include <tests/support/TemporaryFolder.h>

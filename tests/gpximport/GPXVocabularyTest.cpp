@@ -1,4 +1,4 @@
-#include <Pelluvia/gpximport/GPXVocabulary.h>
+#include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 
 #include <gtest/gtest.h>
 #include <set>

@@ -1,10 +1,10 @@
 #include <tests/gpxwriter/CommaLocale.h>
 
 #include <array>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <stdexcept>
 #include <string>
 
 // The environment is changed in single-threaded tests only.
@@ -17,12 +17,7 @@ namespace {
 constexpr const char *localeName = "de_DE.UTF-8";
 
 bool install() {
-    try {
-        std::locale::global(std::locale(localeName));
-        return true;
-    } catch (const std::runtime_error &) {
-        return false; // The system has no such locale.
-    }
+    return std::setlocale(LC_ALL, localeName) != nullptr;
 }
 
 } // namespace
@@ -41,7 +36,7 @@ CommaLocale::CommaLocale() {
 }
 
 CommaLocale::~CommaLocale() {
-    std::locale::global(before_);
+    std::setlocale(LC_ALL, "C");
     ::unsetenv("LOCPATH");
     ::unsetenv("TZ");
     ::tzset();

@@ -2,13 +2,11 @@
 
 #include <tests/support/TemporaryFolder.h>
 
-#include <locale>
-
 namespace pelluvia::testing {
 
 /// Gives the process, for its own lifetime, a locale whose decimal point is a comma and whose
 /// numbers have grouped digits, and a time zone far from UTC. Makes the locale where the system has
-/// none. For single-threaded tests.
+/// none. Afterwards the locale is "C". For single-threaded tests.
 class CommaLocale {
   public:
     CommaLocale();
@@ -21,7 +19,6 @@ class CommaLocale {
 
   private:
     TemporaryFolder folder_;
-    std::locale before_;
 };
 
 } // namespace pelluvia::testing

@@ -1,4 +1,4 @@
-#include <Pelluvia/gpxwriter/PointExtensions.h>
+#include <Pelluvia/gpxwriter/internal/PointExtensions.h>
 #include <tests/gpxwriter/WriterTest.h>
 
 #include <cmath>

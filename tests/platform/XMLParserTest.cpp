@@ -90,13 +90,13 @@ TEST(XMLParser, DeliversTheNumbersOfTheVocabulary) {
 TEST(XMLParser, FindsEveryNameOfALargeVocabulary) {
     std::vector<std::string> texts;
     for (int i = 1; i <= 3000; ++i) {
-        texts.push_back("n" + std::to_string(i));
+        texts.push_back(std::string("n").append(std::to_string(i)));
     }
     const std::vector<std::string_view> names(texts.begin(), texts.end());
     std::string document = "<r>";
     std::string expected = "start r\n";
     for (const std::string &text : texts) {
-        document += "<" + text + "/>";
+        document.append("<").append(text).append("/>");
         const std::string name = text + "#" + text.substr(1) + "\n";
         expected.append("start ").append(name).append("end ").append(name);
     }

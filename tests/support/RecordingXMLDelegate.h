@@ -82,7 +82,7 @@ class RecordingXMLDelegate : public XMLParserDelegate {
 
   private:
     static std::string numberOf(std::uint16_t number) {
-        return number != 0 ? "#" + std::to_string(number) : std::string();
+        return number != 0 ? std::string("#").append(std::to_string(number)) : std::string();
     }
     static std::string nameOf(const XMLElement &element) {
         std::string name;

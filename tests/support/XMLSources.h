@@ -9,6 +9,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <tests/support/RecordingXMLDelegate.h>
 #include <utility>
 
@@ -47,8 +48,14 @@ class RepeatingSource final : public xml::Source {
 
     [[nodiscard]] ssize_t read(char *to, std::size_t size) override {
         std::size_t count = 0;
-        while (count < size && position_ < head_.size() + size_ + tail_.size()) {
-            to[count++] = next();
+        while (count < size) {
+            const std::string_view piece = next().substr(0, size - count);
+            if (piece.empty()) {
+                break;
+            }
+            std::memcpy(to + count, piece.data(), piece.size());
+            count += piece.size();
+            position_ += piece.size();
         }
         return static_cast<ssize_t>(count);
     }
@@ -57,15 +64,16 @@ class RepeatingSource final : public xml::Source {
     [[nodiscard]] std::size_t position() const noexcept { return position_; }
 
   private:
-    char next() {
-        const std::size_t at = position_++;
-        if (at < head_.size()) {
-            return head_[at];
+    /// What follows at the position, in part.
+    [[nodiscard]] std::string_view next() const {
+        if (position_ < head_.size()) {
+            return std::string_view(head_).substr(position_);
         }
-        if (at < head_.size() + size_) {
-            return pattern_[(at - head_.size()) % pattern_.size()];
+        const std::size_t at = position_ - head_.size();
+        if (at < size_) {
+            return std::string_view(pattern_).substr(at % pattern_.size(), size_ - at);
         }
-        return tail_[at - head_.size() - size_];
+        return std::string_view(tail_).substr(at - size_);
     }
 
     std::string head_;

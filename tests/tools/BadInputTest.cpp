@@ -71,6 +71,15 @@ TEST_F(BadInput, EverySourceIsLookedAtBeforeTheTargetIsMade) {
     EXPECT_THAT(entries(), ElementsAre("folder.gpx", "good.gpx"));
 }
 
+TEST_F(BadInput, AMissingSourceOrAFolderIsToldAlsoWhereItsNameHasNoEnding) {
+    fs::create_directory(folder.file("folder"));
+    const Outcome outcome = run({"convert", "folder", "missing", "new.gpx"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "pelluvia: folder: Is a directory\n"
+                              "pelluvia: missing: No such file or directory\n");
+    EXPECT_THAT(entries(), ElementsAre("folder", "good.gpx"));
+}
+
 TEST_F(BadInput, AnUnreadableSourceMakesNoTarget) {
     // Who may read everything is not stopped by permissions, but by a loop of links.
     fs::create_symlink("loop.gpx", folder.file("loop.gpx"));

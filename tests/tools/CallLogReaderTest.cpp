@@ -88,19 +88,19 @@ TEST(CallLogReader, IntegersAndRealsKeepTheirType) {
     const CallCollector receiver = readAll(
         R"({"call":"newTrack:","extra":{"index":7,"speed":7.0,"temp":1e2,"low":-9223372036854775808,"high":9223372036854775807,"zero":-0.0}})");
     const Dictionary &extra = receiver.calls.at(0).extra.value();
-    EXPECT_EQ(extra.find(extras::index)->kind(), Value::Kind::Integer);
-    EXPECT_EQ(extra.find(extras::speed)->kind(), Value::Kind::Double);
-    EXPECT_EQ(extra.find(extras::temp)->number()->doubleValue(), 100.0);
-    EXPECT_EQ(extra.find(Key("low"))->number()->int64Value(), INT64_MIN);
-    EXPECT_EQ(extra.find(Key("high"))->number()->int64Value(), INT64_MAX);
-    EXPECT_TRUE(std::signbit(extra.find(Key("zero"))->number()->doubleValue()));
+    EXPECT_EQ(extra.find(extras::index).kind(), Value::Kind::Integer);
+    EXPECT_EQ(extra.find(extras::speed).kind(), Value::Kind::Double);
+    EXPECT_EQ(extra.find(extras::temp).number()->doubleValue(), 100.0);
+    EXPECT_EQ(extra.find(Key("low")).number()->int64Value(), INT64_MIN);
+    EXPECT_EQ(extra.find(Key("high")).number()->int64Value(), INT64_MAX);
+    EXPECT_TRUE(std::signbit(extra.find(Key("zero")).number()->doubleValue()));
 }
 
 TEST(CallLogReader, StringsAreUnescaped) {
     const CallCollector receiver =
         readAll("{\"call\":\"newTrack:\",\"extra\":{\"name\":"
                 "\"a\\\"\\\\\\/\\b\\f\\n\\r\\t\\u00fc\\ud83d\\udeb2\"}}");
-    EXPECT_EQ(receiver.calls.at(0).extra->find(extras::name)->string(),
+    EXPECT_EQ(receiver.calls.at(0).extra->find(extras::name).string(),
               "a\"\\/\b\f\n\r\t\xC3\xBC\xF0\x9F\x9A\xB2");
 }
 
@@ -110,17 +110,18 @@ TEST(CallLogReader, ObjectsInsideADictionaryAreWhatTheyAreSpelledAs) {
                 R"(,"nan":{"real":"NaN"},"down":{"real":"-Infinity"},)"
                 R"("other":{"real":"nan"},"points":[)" POINT R"(,{"real":"Infinity"},[]]}})");
     const Dictionary &extra = receiver.calls.at(0).extra.value();
-    ASSERT_NE(extra.find(extras::point)->unwrap<GPSPoint>(), nullptr);
-    EXPECT_EQ(extra.find(extras::point)->unwrap<GPSPoint>()->test, -2);
-    EXPECT_TRUE(std::isnan(extra.find(Key("nan"))->number()->doubleValue()));
-    EXPECT_EQ(extra.find(Key("down"))->number()->doubleValue(), -INFINITY);
-    EXPECT_NE(extra.find(Key("other"))->dictionary(), nullptr);
-    const Array *points = extra.find(extras::points)->array();
+    const auto *point = extra.record<GPSPoint>(extras::point);
+    ASSERT_NE(point, nullptr);
+    EXPECT_EQ(point->test, -2);
+    EXPECT_TRUE(std::isnan(extra.find(Key("nan")).number()->doubleValue()));
+    EXPECT_EQ(extra.find(Key("down")).number()->doubleValue(), -INFINITY);
+    EXPECT_NE(extra.find(Key("other")).dictionary(), nullptr);
+    const Array *points = extra.find(extras::points).array();
     ASSERT_NE(points, nullptr);
     ASSERT_EQ(points->size(), 3U);
-    EXPECT_NE((*points)[0].unwrap<GPSPoint>(), nullptr);
-    EXPECT_EQ((*points)[1].number()->doubleValue(), INFINITY);
-    EXPECT_NE((*points)[2].array(), nullptr);
+    EXPECT_NE(points->at(0).unwrap<GPSPoint>(), nullptr);
+    EXPECT_EQ(points->at(1).number()->doubleValue(), INFINITY);
+    EXPECT_NE(points->at(2).array(), nullptr);
 }
 
 TEST(CallLogReader, ADictionaryOfOtherSpellingIsNoPoint) {
@@ -133,7 +134,7 @@ TEST(CallLogReader, ADictionaryOfOtherSpellingIsNoPoint) {
          }) {
         const CallCollector receiver =
             readAll(R"({"call":"newTrack:","extra":{"a":)" + std::string(object) + "}}");
-        EXPECT_NE(receiver.calls.at(0).extra->find(Key("a"))->dictionary(), nullptr) << object;
+        EXPECT_NE(receiver.calls.at(0).extra->find(Key("a")).dictionary(), nullptr) << object;
     }
 }
 

@@ -131,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"convert"}, "a source and a target are needed", convertUsage},
         Wrong{{"convert", "a.gpx"}, "a source and a target are needed", convertUsage},
         Wrong{{"convert", "--nonsense", "a.gpx", "b.gpx"}, "--nonsense", convertUsage},
-        Wrong{{"convert", "a.txt", "b.gpx"}, "a.txt: the ending is neither", convertUsage},
+        Wrong{{"convert", "/dev/null", "b.gpx"}, "/dev/null: the ending is neither", convertUsage},
         Wrong{{"convert", "a.gpx", "b"}, "--to gpx or --to calls", convertUsage},
         Wrong{{"convert", "--from", "kml", "a", "b.gpx"}, "kml", convertUsage},
         Wrong{{"convert", "--to", "kml", "a.gpx", "b"}, "kml", convertUsage},

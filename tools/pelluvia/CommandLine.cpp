@@ -3,6 +3,7 @@
 #include <tools/pelluvia/CommandTexts.h>
 #include <tools/pelluvia/CreatorText.h>
 #include <tools/pelluvia/ExitStatus.h>
+#include <tools/pelluvia/SourceFile.h>
 
 #include <Pelluvia/model/Version.h>
 
@@ -79,8 +80,8 @@ std::string lowered(std::string text) {
     return text;
 }
 
-/// The format that an option names, or, when it names none, the ending of the path.
-Format formatOf(const std::string &path, const std::string &chosen, const std::string &option) {
+/// The format that an option names, or, when it names none, the ending of the path; or nothing.
+std::optional<Format> namedFormat(const std::string &path, const std::string &chosen) {
     const std::string name = lowered(path);
     if (chosen == "gpx" || (chosen.empty() && (path == "-" || name.ends_with(".gpx")))) {
         return Format::GPX;
@@ -88,9 +89,31 @@ Format formatOf(const std::string &path, const std::string &chosen, const std::s
     if (chosen == "calls" || (chosen.empty() && name.ends_with(".jsonl"))) {
         return Format::Calls;
     }
-    throw CLI::ValidationError(path,
-                               "the ending is neither .gpx nor .jsonl; name the format with " +
-                                   option + " gpx or " + option + " calls");
+    return std::nullopt;
+}
+
+CLI::ValidationError unknownEnding(const std::string &path, const std::string &option) {
+    return CLI::ValidationError(path,
+                                "the ending is neither .gpx nor .jsonl; name the format with " +
+                                    option + " gpx or " + option + " calls");
+}
+
+Format sourceFormat(const std::string &path, const std::string &chosen) {
+    if (const auto format = namedFormat(path, chosen)) {
+        return *format;
+    }
+    // That a source is missing, or a folder, says more than its ending; the run will find it out.
+    if (whyUnreadable(path)) {
+        return Format::GPX;
+    }
+    throw unknownEnding(path, "--from");
+}
+
+Format targetFormat(const std::string &path, const std::string &chosen) {
+    if (const auto format = namedFormat(path, chosen)) {
+        return *format;
+    }
+    throw unknownEnding(path, "--to");
 }
 
 void refuseSecondStandardInput(const std::vector<std::string> &paths) {
@@ -109,9 +132,9 @@ ConvertOptions convertOptions(const Arguments &arguments) {
     sources.pop_back();
     refuseSecondStandardInput(sources);
     for (const std::string &path : sources) {
-        options.sources.push_back({path, formatOf(path, arguments.from, "--from")});
+        options.sources.push_back({path, sourceFormat(path, arguments.from)});
     }
-    options.targetFormat = formatOf(options.target, arguments.to, "--to");
+    options.targetFormat = targetFormat(options.target, arguments.to);
     if (arguments.only) {
         options.only = selectionOf(*arguments.only);
     }

@@ -2,7 +2,6 @@
 
 /// The exit statuses of all commands; never renumbered.
 namespace pelluvia::host::exitStatus {
-
 /// All that was asked for is done.
 inline constexpr int done = 0;
 /// A source was missing, unreadable or bad, or there was not memory enough for it.
@@ -11,5 +10,4 @@ inline constexpr int badInput = 1;
 inline constexpr int wrongUsage = 2;
 /// The result could not be written, nor, for a source that must be kept meanwhile, its copy.
 inline constexpr int cannotWrite = 3;
-
 } // namespace pelluvia::host::exitStatus

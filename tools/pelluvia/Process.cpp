@@ -30,10 +30,10 @@ void takeStandardDescriptors() {
 
 void prepareProcess() {
     takeStandardDescriptors();
+    // None of these can fail for the values given; without a locale the messages stay English.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
-    // A language that is not installed leaves the messages in English. There is one thread yet.
-    static_cast<void>(std::setlocale(LC_MESSAGES, "")); // NOLINT(concurrency-mt-unsafe)
+    static_cast<void>(std::setlocale(LC_MESSAGES, "")); // NOLINT(concurrency-mt-unsafe): one thread
     mainThread::setScheduler([](const mainThread::Message &message) { message(); });
 }
 

@@ -156,7 +156,7 @@ Encoding detectEncoding(std::string_view start) {
 }
 
 iconv_t Converter::closed() noexcept {
-    return reinterpret_cast<iconv_t>(-1); // as iconv_open says "none"
+    return reinterpret_cast<iconv_t>(-1); // NOLINT(performance-no-int-to-ptr): POSIX's "none"
 }
 
 std::optional<Converter> Converter::open(const std::string &encoding) {

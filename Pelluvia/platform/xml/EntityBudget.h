@@ -8,14 +8,15 @@
 namespace pelluvia::xml {
 
 /// Counts what the entities of a document add to it. Every reference costs as much as the text that
-/// it stands for, nested ones included, whether or not that text leads to events: so the limit
-/// bounds the work as well as the result.
+/// it stands for, nested ones included, and a little for itself, whether or not that text leads to
+/// events: so the limit bounds the work as well as the result.
 class EntityBudget {
   public:
     /// A reference adds `size` bytes to a document of which `read` bytes were read. False when that
     /// is too much.
     [[nodiscard]] bool spend(std::size_t size, std::uint64_t read) noexcept {
-        spent_ += size;
+        constexpr std::size_t reference = 8;
+        spent_ += size + reference;
         return spent_ <= xmlLimits::amplificationAllowance + xmlLimits::amplificationFactor * read;
     }
     /// The same within an attribute value, which is put together in memory.

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t bufferSize = 64 * 1024;
 // An XML declaration that says its encoding later than this is not found.
 constexpr std::size_t declarationSize = 1024;
-// What a conversion may hold back takes no more than this.
+// No character, and nothing that a conversion may hold back, takes more than this.
 constexpr std::size_t leastRoom = 16;
 
 } // namespace
@@ -60,9 +60,11 @@ bool Input::fill() {
 
 std::size_t Input::read(char *to, std::size_t room) {
     std::size_t size = 0;
-    while (size == 0 && !finished_) {
-        size = converter_ ? convert(to, room) : copy(to, room);
-        size = unifyLineEnds(to, size);
+    while (room - size >= leastRoom && !finished_) {
+        char *const piece = to + size;
+        const std::size_t added =
+            converter_ ? convert(piece, room - size) : copy(piece, room - size);
+        size += unifyLineEnds(piece, added);
     }
     delivered_ += size;
     return size;

@@ -26,7 +26,8 @@ class Input {
     [[nodiscard]] bool begin();
 
     /// Writes at most `room` bytes of text. Returns their number; 0 at the end and after a failure.
-    /// `room` must be at least 16.
+    /// Before that it gives almost `room` bytes, in whatever portions the source gives them: the
+    /// parser asks ahead of what it looks at and relies on getting it. `room` must be at least 16.
     [[nodiscard]] std::size_t read(char *to, std::size_t room);
 
     /// Why there is no more text than was read, if that is not its end.

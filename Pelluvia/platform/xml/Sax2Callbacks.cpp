@@ -3,10 +3,90 @@
 #include <libxml/SAX2.h>
 
 /// \file
-/// The functions that libxml2 calls: they find the engine, keep exceptions out of the library, and
-/// stop a context that has not noticed yet that the parse is over.
+/// The functions that libxml2 calls: they find the engine and keep exceptions out of the library.
 
 namespace pelluvia::xml {
+
+// The events, of which there are many: in this file, so that they become one with the functions
+// below.
+
+inline void Sax2Engine::fill(XMLElement &element, const xmlChar *localName, const xmlChar *prefix,
+                             const xmlChar *uri) noexcept {
+    const NameTable::Name name = names_->find(localName);
+    element.localName = name.text;
+    element.nameNumber = name.number;
+    if (uri != lastURI_) {
+        lastURI_ = uri;
+        lastNamespace_ = namespaces_->find(uri);
+    }
+    element.namespaceURI = lastNamespace_.text;
+    element.namespaceNumber = lastNamespace_.number;
+    element.prefix = NameTable::text(prefix);
+}
+
+inline void Sax2Engine::startElement(const xmlParserCtxt &context, const xmlChar *localName,
+                                     const xmlChar *prefix, const xmlChar *uri,
+                                     std::span<const xmlChar *> namespaces,
+                                     std::span<const Attribute> attributes, std::size_t defaulted) {
+    textSize_ = 0;
+    budget_.endValues();
+    if (depth_ == open_.size()) {
+        return fail({XML_ERR_INTERNAL_ERROR, "Excessive depth in document"});
+    }
+    // The library keeps two pointers for each declaration that is in force.
+    if (attributes.size() > xmlLimits::attributes || context.nsNr > 2 * xmlLimits::attributes) {
+        return failForAttributes();
+    }
+    for (const Attribute &each : attributes.last(defaulted)) {
+        spend(NameTable::text(each.localName).size() + each.value().size());
+    }
+    XMLElement &element = open_[depth_++];
+    fill(element, localName, prefix, uri);
+    if (namesOnly_) {
+        if (!stopped_) {
+            delegate_.didStartElement(parser_, element, XMLAttributes());
+        }
+        return;
+    }
+    if (!namespaces.empty()) {
+        reportNamespaces(namespaces);
+    }
+    if (!stopped_) {
+        delegate_.didStartElement(parser_, element, collect(attributes));
+    }
+}
+
+void Sax2Engine::reportNamespaces(std::span<const xmlChar *> pairs) {
+    for (std::size_t i = 0; i < pairs.size() && !stopped_; i += 2) {
+        delegate_.didStartMappingPrefix(parser_, NameTable::text(pairs[i]),
+                                        NameTable::text(pairs[i + 1]));
+    }
+}
+
+inline XMLAttributes Sax2Engine::collect(std::span<const Attribute> attributes) {
+    if (attributes_.size() < attributes.size()) {
+        attributes_.resize(attributes.size());
+    }
+    XMLAttribute *next = attributes_.data();
+    for (const Attribute &each : attributes) {
+        const NameTable::Name name = names_->find(each.localName);
+        *next++ = {name.text, NameTable::text(each.prefix), each.value(), name.number};
+    }
+    return XMLAttributes({attributes_.data(), attributes.size()});
+}
+
+inline void Sax2Engine::endElement() {
+    textSize_ = 0;
+    delegate_.didEndElement(parser_, open_[--depth_]);
+}
+
+inline void Sax2Engine::characters(std::string_view text) {
+    textSize_ += text.size();
+    if (textSize_ > xmlLimits::textSize) {
+        return fail({XML_ERR_INTERNAL_ERROR, "Text too long"});
+    }
+    delegate_.foundCharacters(parser_, text);
+}
 
 namespace {
 
@@ -27,7 +107,7 @@ struct Sax2Engine::Callbacks {
         return *static_cast<Sax2Engine *>(context->_private);
     }
 
-    /// Does the work unless the parse is over, and then stops the context if it is.
+    /// Does the work unless the parse is over, and if it is, asks the library for no more events.
     template <class Work>
     static void perform(xmlParserCtxtPtr context, Work work) noexcept {
         Sax2Engine &engine = engineOf(context);
@@ -40,15 +120,8 @@ struct Sax2Engine::Callbacks {
             }
         }
         if (engine.stopped_) {
-            halt(context);
+            context->disableSAX = 1;
         }
-    }
-
-    static XMLElement element(const Sax2Engine &engine, const xmlChar *localName,
-                              const xmlChar *prefix, const xmlChar *uri) noexcept {
-        const NameTable::Name name = engine.names_->find(localName);
-        const NameTable::Name space = engine.namespaces_->find(uri);
-        return {name.text, space.text, NameTable::text(prefix), name.number, space.number};
     }
 
     static void startElement(void *userData, const xmlChar *localName, const xmlChar *prefix,
@@ -57,7 +130,7 @@ struct Sax2Engine::Callbacks {
                              const xmlChar **attributes) noexcept {
         const xmlParserCtxtPtr context = contextOf(userData);
         perform(context, [&](Sax2Engine &engine) {
-            engine.startElement(*context, element(engine, localName, prefix, uri),
+            engine.startElement(*context, localName, prefix, uri,
                                 {namespaces, 2 * static_cast<std::size_t>(namespaceCount)},
                                 {reinterpret_cast<const Attribute *>(attributes),
                                  static_cast<std::size_t>(attributeCount)},
@@ -65,11 +138,9 @@ struct Sax2Engine::Callbacks {
         });
     }
 
-    static void endElement(void *userData, const xmlChar *localName, const xmlChar *prefix,
-                           const xmlChar *uri) noexcept {
-        perform(contextOf(userData), [&](Sax2Engine &engine) {
-            engine.endElement(element(engine, localName, prefix, uri));
-        });
+    static void endElement(void *userData, const xmlChar *, const xmlChar *,
+                           const xmlChar *) noexcept {
+        perform(contextOf(userData), [](Sax2Engine &engine) { engine.endElement(); });
     }
 
     /// In place of `endElement`, for delegates that want no more than names.
@@ -106,6 +177,10 @@ struct Sax2Engine::Callbacks {
         const xmlParserCtxtPtr context = contextOf(userData);
         xmlEntityPtr entity = nullptr;
         perform(context, [&](Sax2Engine &engine) { entity = engine.entity(context, name); });
+        if (engineOf(context).stopped_) {
+            // Nothing is replaced any more. (For null the library would look itself.)
+            return xmlGetPredefinedEntity(reinterpret_cast<const xmlChar *>("quot"));
+        }
         return entity;
     }
 

@@ -6,13 +6,6 @@
 
 namespace pelluvia::xml {
 
-namespace {
-
-const Failure tooManyAttributes{XML_ERR_INTERNAL_ERROR,
-                                "Too many attributes or namespace declarations"};
-
-} // namespace
-
 Sax2Engine::Sax2Engine(XMLParser &parser, Source &source, XMLParserDelegate *delegate,
                        bool resolvesExternalEntities)
     : parser_(parser),
@@ -99,14 +92,13 @@ void Sax2Engine::fail(Failure failure) {
     }
 }
 
+void Sax2Engine::failForAttributes() {
+    fail({XML_ERR_INTERNAL_ERROR, "Too many attributes or namespace declarations"});
+}
+
 void Sax2Engine::stop() noexcept {
     position_ = position();
     stopped_ = true;
-}
-
-void Sax2Engine::halt(xmlParserCtxtPtr context) noexcept {
-    context->disableSAX = 1;
-    context->instate = XML_PARSER_EOF;
 }
 
 /// Gives text to the library. What could occupy it for long between two events is checked here.
@@ -114,7 +106,12 @@ std::size_t Sax2Engine::read(char *to, std::size_t room) {
     // Each attribute and each declaration is compared with all others of its tag.
     if (context_->maxatts > 20 * xmlLimits::attributes ||
         context_->nsMax > 8 * xmlLimits::attributes) {
-        fail(tooManyAttributes);
+        failForAttributes();
+    }
+    // The library keeps what it has not done with, and blank space outside elements altogether.
+    const auto held = static_cast<std::size_t>(documentInput_->end - documentInput_->base);
+    if (held > xmlLimits::textSize) {
+        fail({XML_ERR_INTERNAL_ERROR, "Huge input lookup"});
     }
     if (stopped_) {
         return 0;
@@ -136,72 +133,15 @@ void Sax2Engine::libraryError(xmlParserCtxtPtr context, const xmlError &error) {
             fail({error.code, error.message != nullptr ? error.message : "Parse error"});
         }
     } else if (error.code == XML_ERR_INVALID_URI) {
-        // The entity with this identifier remains unknown, which shall be no error.
+        // A parameter entity with such an identifier remains undeclared, which shall be no error.
         context->hasPErefs = 1;
-        if (resolvesExternalEntities_ && error.str1 != nullptr) {
-            logUnread(error.str1, "not a URI");
+        misnamed_ = error.str1 != nullptr ? error.str1 : "";
+    } else if (error.code == XML_WAR_UNDECLARED_ENTITY && !misnamed_.empty()) {
+        if (resolvesExternalEntities_) {
+            logUnread(misnamed_, "not a URI");
         }
+        misnamed_.clear();
     }
-}
-
-void Sax2Engine::startElement(const xmlParserCtxt &context, const XMLElement &element,
-                              std::span<const xmlChar *> namespaces,
-                              std::span<const Attribute> attributes, std::size_t defaulted) {
-    textSize_ = 0;
-    budget_.endValues();
-    if (++depth_ > xmlLimits::depth) {
-        return fail({XML_ERR_INTERNAL_ERROR, "Excessive depth in document"});
-    }
-    // The library keeps two pointers for each declaration that is in force.
-    if (attributes.size() > xmlLimits::attributes || context.nsNr > 2 * xmlLimits::attributes) {
-        return fail(tooManyAttributes);
-    }
-    for (const Attribute &each : attributes.last(defaulted)) {
-        spend(NameTable::text(each.localName).size() + each.value().size() + 1);
-    }
-    if (!namesOnly_) {
-        reportNamespaces(namespaces);
-        collect(attributes);
-    }
-    if (!stopped_) {
-        delegate_.didStartElement(parser_, element,
-                                  XMLAttributes({attributes_.data(), collected_}));
-    }
-}
-
-void Sax2Engine::reportNamespaces(std::span<const xmlChar *> pairs) {
-    for (std::size_t i = 0; i < pairs.size() && !stopped_; i += 2) {
-        delegate_.didStartMappingPrefix(parser_, NameTable::text(pairs[i]),
-                                        NameTable::text(pairs[i + 1]));
-    }
-}
-
-void Sax2Engine::collect(std::span<const Attribute> attributes) {
-    collected_ = attributes.size();
-    if (attributes_.size() < collected_) {
-        attributes_.resize(collected_);
-    }
-    auto collected = attributes_.begin();
-    for (const Attribute &each : attributes) {
-        const NameTable::Name name = names_->find(each.localName);
-        *collected++ = {name.text, NameTable::text(each.prefix), each.value(), name.number};
-    }
-}
-
-void Sax2Engine::endElement(const XMLElement &element) {
-    textSize_ = 0;
-    --depth_;
-    if (!namesOnly_) {
-        delegate_.didEndElement(parser_, element);
-    }
-}
-
-void Sax2Engine::characters(std::string_view text) {
-    textSize_ += text.size();
-    if (textSize_ > xmlLimits::textSize) {
-        return fail({XML_ERR_INTERNAL_ERROR, "Text too long"});
-    }
-    delegate_.foundCharacters(parser_, text);
 }
 
 } // namespace pelluvia::xml

@@ -9,6 +9,7 @@
 #include <Pelluvia/platform/xml/NameTable.h>
 #include <Pelluvia/platform/xml/Source.h>
 
+#include <array>
 #include <exception>
 #include <libxml/parser.h>
 #include <memory>
@@ -23,9 +24,10 @@ namespace pelluvia::xml {
 
 /// One parse of one document with libxml2's SAX2 interface.
 ///
-/// How it stops: libxml2 has a call for that, but it frees the input under the hands of whatever
-/// function is at work. So the engine marks the contexts as stopped, as the library's own error
-/// paths do, gives no more input, and ignores all further events.
+/// How it stops: libxml2 has a call for that, but it frees the input under the hands of the
+/// function that is at work, which some cannot bear when they report an error. So the engine gives
+/// no more input, ignores all further events, replaces no more entities, and lets the library come
+/// to the end of the few thousand bytes that it has.
 ///
 /// The text of an entity is parsed by the library in a context of its own; so `context` in what
 /// follows is not always the context of the document.
@@ -67,12 +69,14 @@ class Sax2Engine {
     [[nodiscard]] std::size_t read(char *to, std::size_t room);
     void libraryError(xmlParserCtxtPtr context, const xmlError &error);
 
-    void startElement(const xmlParserCtxt &context, const XMLElement &element,
-                      std::span<const xmlChar *> namespaces, std::span<const Attribute> attributes,
-                      std::size_t defaulted);
+    void startElement(const xmlParserCtxt &context, const xmlChar *localName, const xmlChar *prefix,
+                      const xmlChar *uri, std::span<const xmlChar *> namespaces,
+                      std::span<const Attribute> attributes, std::size_t defaulted);
+    void fill(XMLElement &element, const xmlChar *localName, const xmlChar *prefix,
+              const xmlChar *uri) noexcept;
     void reportNamespaces(std::span<const xmlChar *> pairs);
-    void collect(std::span<const Attribute> attributes);
-    void endElement(const XMLElement &element);
+    [[nodiscard]] XMLAttributes collect(std::span<const Attribute> attributes);
+    void endElement();
     void characters(std::string_view text);
 
     void declareEntity(xmlParserCtxtPtr context, const xmlChar *name, int type,
@@ -88,10 +92,9 @@ class Sax2Engine {
 
     /// Ends the parse with an error, unless it has ended already.
     void fail(Failure failure);
+    void failForAttributes();
     /// Ends the parse; what follows in it is ignored.
     void stop() noexcept;
-    /// Makes libxml2 stop working on this context.
-    static void halt(xmlParserCtxtPtr context) noexcept;
 
     XMLParser &parser_;
     XMLParserDelegate nobody_;
@@ -104,16 +107,20 @@ class Sax2Engine {
     xmlParserInputPtr documentInput_ = nullptr; ///< belongs to `context_`; knows the position
     std::optional<NameTable> names_;
     std::optional<NameTable> namespaces_;
-    std::vector<XMLAttribute> attributes_; ///< of the current element; never shrinks
-    std::size_t collected_ = 0;            ///< how many of them there are
+    const xmlChar *lastURI_ = nullptr; ///< of the element that started last
+    NameTable::Name lastNamespace_;
+    std::array<XMLElement, xmlLimits::depth> open_; ///< the elements that are open
+    std::size_t depth_ = 0;                         ///< how many they are
+    std::vector<XMLAttribute> attributes_; ///< room for those of one element; never shrinks
 
-    int depth_ = 0;
     std::size_t textSize_ = 0; ///< of the text since the last tag
     EntityBudget budget_;
     std::uint64_t received_ = 0; ///< bytes of external entities
     ExternalEntities externalEntities_;
     /// The files in which external entities were declared, where that is not the document.
     std::unordered_map<const xmlEntity *, std::string> declaringPaths_;
+    /// The system identifier, being no URI, of an entity that the library has not declared.
+    std::string misnamed_;
     std::string subset_; ///< the text of the external subset; the library does not copy it
 
     bool stopped_ = false;

@@ -20,9 +20,11 @@ bool isExternal(const xmlEntity &entity) {
     return entity.etype == XML_EXTERNAL_GENERAL_PARSED_ENTITY || entity._private == &externalMark;
 }
 
-/// A number of references that is not 0, so that the library does not count the references in a
-/// parameter entity: it would take them for references from the declarations.
-constexpr int counted = 2;
+/// Makes the library leave off its own check of how an entity grows: it measures a nested entity
+/// by the one around it, so that it refuses harmless ones, and resolves references in a parameter
+/// entity before what they refer to is declared. `EntityBudget` does that work. (The lowest bit
+/// asks for a look whether the text holds a `<` when it stands in an attribute value.)
+constexpr int checkedByUs = 3;
 
 /// The path of the file that is being parsed; empty for the document itself. An internal parameter
 /// entity belongs to the file that refers to it.
@@ -33,6 +35,24 @@ std::string currentPath(const xmlParserCtxt &context) {
         }
     }
     return {};
+}
+
+/// The value of an entity as it has to be for a carriage return in it to survive: all line ends are
+/// line feeds by now, so it came from a reference, but the library would take it for a line end.
+/// (Not where there is markup, in which it may separate attributes.)
+std::string withProtectedReturns(std::string_view value) {
+    if (value.find('<') != std::string_view::npos) {
+        return std::string(value);
+    }
+    std::string result;
+    for (const char c : value) {
+        if (c == '\r') {
+            result += "&#13;";
+        } else {
+            result += c;
+        }
+    }
+    return result;
 }
 
 xmlChar *copyOf(std::string_view text) {
@@ -49,12 +69,18 @@ xmlChar *copyOf(std::string_view text) {
 void Sax2Engine::declareEntity(xmlParserCtxtPtr context, const xmlChar *name, int type,
                                const xmlChar *publicIdentifier, const xmlChar *systemIdentifier,
                                xmlChar *content) {
+    misnamed_.clear();
     const bool parameter =
         type == XML_INTERNAL_PARAMETER_ENTITY || type == XML_EXTERNAL_PARAMETER_ENTITY;
     // A predefined entity can be declared but keeps its meaning. A wrong declaration would be
     // reported to the handler of the process.
     if (!parameter && xmlGetPredefinedEntity(name) != nullptr) {
         return;
+    }
+    std::string protectedContent;
+    if (type == XML_INTERNAL_GENERAL_ENTITY && content != nullptr) {
+        protectedContent = withProtectedReturns(NameTable::text(content));
+        content = reinterpret_cast<xmlChar *>(protectedContent.data()); // is copied
     }
     xmlSAX2EntityDecl(context, name, type, publicIdentifier, systemIdentifier, content);
     if (type != XML_EXTERNAL_GENERAL_PARSED_ENTITY && type != XML_EXTERNAL_PARAMETER_ENTITY) {
@@ -86,6 +112,8 @@ xmlEntityPtr Sax2Engine::entity(xmlParserCtxtPtr context, const xmlChar *name) {
         load(entity);
         entity->etype = XML_INTERNAL_GENERAL_ENTITY;
     }
+    entity->checked = checkedByUs;
+    context->sizeentities = input_.delivered(); // what an attribute value is measured by
     const auto size = static_cast<std::size_t>(entity->length);
     spend(size);
     if (context->instate == XML_PARSER_ATTRIBUTE_VALUE && !budget_.spendInValue(size)) {
@@ -103,7 +131,7 @@ xmlEntityPtr Sax2Engine::parameterEntity(xmlParserCtxtPtr context, const xmlChar
         load(entity);
         entity->etype = XML_INTERNAL_PARAMETER_ENTITY;
     }
-    entity->checked = counted;
+    entity->checked = checkedByUs;
     const auto size = static_cast<std::size_t>(entity->length);
     spend(size);
     declare(size);

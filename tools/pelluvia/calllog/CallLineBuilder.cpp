@@ -86,7 +86,7 @@ bool CallLineBuilder::key(std::string &name) {
     }
     Container &container = open_.back();
     container.key.emplace(std::string_view(name));
-    if (container.dictionary->find(*container.key) != nullptr) {
+    if (container.dictionary->contains(*container.key)) {
         return fail("the key " + inQuotes(name) + " stands twice in one dictionary");
     }
     if (container.dictionary->size() == callLogLimits::keys) {

@@ -62,9 +62,8 @@ void CallLogWriter::startTransfer(const void * /*sender*/, int kind, const Dicti
     writeStartCall(R"({"call":"startTransfer:kind:extra:","kind":)", kind, extra);
     transferKind_ = kind;
     if (progress_ != nullptr) {
-        const Value *count = extra != nullptr ? extra->find(extras::count) : nullptr;
-        const auto number = count != nullptr ? count->number() : std::nullopt;
-        progress_->gpxStartTransfer(kind, number ? number->intValue() : 0);
+        const auto count = extra != nullptr ? extra->number(extras::count) : std::nullopt;
+        progress_->gpxStartTransfer(kind, count ? count->intValue() : 0);
     }
 }
 

@@ -43,9 +43,7 @@ bool isSpelledAsPoint(const Dictionary &object) {
 
 /// The number that {"real":"NaN"} or its like stands for.
 std::optional<double> notFinite(const Dictionary &object) {
-    const auto text = object.size() == 1 && object.begin()->key.name() == "real"
-                          ? object.begin()->value.string()
-                          : std::nullopt;
+    const auto text = object.size() == 1 ? object.string(Key("real")) : std::nullopt;
     if (!text) {
         return std::nullopt;
     }
@@ -85,11 +83,11 @@ Value valueOfObject(const Ref<Dictionary> &object) {
 std::optional<GPSPoint> pointArgument(const Dictionary &object) {
     std::array<std::optional<Number>, pointFields.size()> numbers;
     for (std::size_t field = 0; field < pointFields.size(); ++field) {
-        const Value *value = object.find(pointKeys()[field]);
-        if (value == nullptr || !value->number() || (field >= coordinates && !isInteger(*value))) {
+        const Value value = object.find(pointKeys()[field]);
+        if (!value.number() || (field >= coordinates && !isInteger(value))) {
             return std::nullopt;
         }
-        numbers[field] = value->number();
+        numbers[field] = value.number();
     }
     if (object.size() != pointFields.size()) {
         return std::nullopt;
@@ -103,22 +101,21 @@ std::optional<GPSPoint> pointArgument(const Dictionary &object) {
 
 // As deep as the object nests, which its reader limits.
 ErrorPtr errorArgument(const Dictionary &object) { // NOLINT(misc-no-recursion)
-    const Value *domain = object.find(Key("domain"));
-    const Value *code = object.find(Key("code"));
-    const Value *userInfo = object.find(Key("userInfo"));
-    if (object.size() != 3 || domain == nullptr || !domain->string() || code == nullptr ||
-        !isInteger(*code) || userInfo == nullptr || userInfo->dictionary() == nullptr) {
+    const auto domain = object.string(Key("domain"));
+    const Value code = object.find(Key("code"));
+    const Dictionary *userInfo = object.dictionary(Key("userInfo"));
+    if (object.size() != 3 || !domain || !isInteger(code) || userInfo == nullptr) {
         return nullptr;
     }
     ErrorInfo info;
-    for (const Dictionary::Entry &entry : *userInfo->dictionary()) {
+    for (const Dictionary::Entry &entry : *userInfo) {
         auto value = errorValue(entry.value);
         if (!value) {
             return nullptr;
         }
         info.emplace_back(std::string(entry.key.name()), *std::move(value));
     }
-    return Error::make(*domain->string(), code->number()->int64Value(), std::move(info));
+    return Error::make(*domain, code.number()->int64Value(), std::move(info));
 }
 
 std::string excerpt(std::string_view text) {

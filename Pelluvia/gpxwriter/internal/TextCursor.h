@@ -27,8 +27,7 @@ class TextCursor {
         return *this;
     }
     TextCursor &string(std::string_view text) noexcept {
-        std::memcpy(position_, text.data(), text.size());
-        position_ += text.size();
+        position_ += text.copy(position_, text.size());
         return *this;
     }
     /// As `%d`.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/gpxwriter/TextCursor.h>
+#include <Pelluvia/gpxwriter/internal/TextCursor.h>
 #include <Pelluvia/platform/Dictionary.h>
 
 #include <cstddef>

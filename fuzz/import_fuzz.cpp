@@ -1,0 +1,208 @@
+// Imports any bytes as a GPX file and checks that the calls follow the receiver's rules, whatever
+// the bytes are, and that a second import makes the same calls. See fuzz/README.md.
+
+#include <Pelluvia/gpximport/GPXFileImporter.h>
+#include <Pelluvia/model/GPSOutputReceiver.h>
+#include <Pelluvia/platform/Log.h>
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using namespace pelluvia;
+
+void require(bool holds, const char *what) {
+    if (!holds) {
+        std::fprintf(stderr, "broken rule: %s\n", what);
+        std::abort();
+    }
+}
+
+/// Follows the calls of one import by a new importer.
+class RuleChecker : public GPSOutputReceiver {
+  public:
+    /// After the import.
+    void finish(const ErrorPtr &result) const {
+        require(openKind_ == 0, "every transfer ends");
+        require((result != nullptr) == hasFailed_, "a failed import told the receiver so");
+        require(hasFailed_ || transfers_ == 3, "a good import makes three transfers");
+    }
+    /// A number that differs when the calls differ.
+    [[nodiscard]] std::uint64_t digest() const noexcept { return digest_; }
+
+    void startTransfer(const void *sender, int kind, const Dictionary *extra) override {
+        constexpr int order[] = {2, 3, 1};
+        require(openKind_ == 0 && !hasFailed_, "transfers follow one another until one fails");
+        require(transfers_ < 3 && kind == order[transfers_], "routes, waypoints, tracks");
+        require(sender == nullptr, "the importer sends no sender");
+        require(extra != nullptr && extra->size() == 1, "the count stands alone");
+        const Value count = extra->find(Key::known("count"));
+        require(count.kind() == Value::Kind::Integer && count.number()->intValue() >= 0,
+                "the count is an integer");
+        ++transfers_;
+        openKind_ = kind;
+        add("startTransfer", nullptr, extra);
+    }
+    void endTransfer(int kind) override {
+        require(kind == openKind_, "the open transfer ends");
+        openKind_ = 0;
+        add("endTransfer", nullptr, nullptr);
+    }
+    void newRoute(const Dictionary *extra) override {
+        require(isRunning(2), "routes in their transfer");
+        require(extra == nullptr || !extra->empty(), "nil for no attributes");
+        add("newRoute", nullptr, extra);
+    }
+    void newTrack(const Dictionary *extra) override {
+        require(isRunning(1), "tracks in their transfer");
+        require(extra == nullptr || !extra->empty(), "nil for no attributes");
+        hasTrack_ = true;
+        add("newTrack", nullptr, extra);
+    }
+    void newTrackSegment() override {
+        require(isRunning(1) && hasTrack_, "segments in a track");
+        add("newTrackSegment", nullptr, nullptr);
+    }
+    void routePoint(GPSPoint point, const Dictionary *extra) override {
+        require(isRunning(2) && extra != nullptr, "route points in their transfer");
+        add("routePoint", &point, extra);
+    }
+    void wayPoint(GPSPoint point, const Dictionary *extra) override {
+        require(isRunning(3) && extra != nullptr, "waypoints in their transfer");
+        add("wayPoint", &point, extra);
+    }
+    void trackPoint(GPSPoint point, const Dictionary *extra) override {
+        require(isRunning(1), "track points in their transfer");
+        require(extra == nullptr || !extra->empty(), "nil for no extras");
+        add("trackPoint", &point, extra);
+    }
+    void error(const Report &error) override {
+        require(openKind_ != 0 && !hasFailed_, "one error, in a transfer");
+        const auto *object = std::get_if<ErrorPtr>(&error);
+        require(object != nullptr && *object != nullptr, "an error object");
+        hasFailed_ = true;
+        add((*object)->localizedDescription(), nullptr, nullptr);
+    }
+
+    void poiPoint(GPSPoint /*point*/, const Dictionary * /*extra*/) override { never(); }
+    void lapInfoStart(GPSPoint /*start*/, GPSPoint /*end*/,
+                      const Dictionary * /*extras*/) override {
+        never();
+    }
+    void currentPosition(GPSPoint /*point*/, int /*accuracy*/) override { never(); }
+    void warning(const Report & /*object*/) override { never(); }
+    void gpsStateChange(int /*state*/) override { never(); }
+    void startSending(const void * /*sender*/, int /*kind*/,
+                      const Dictionary * /*extra*/) override {
+        never();
+    }
+    void sendProgress(int /*count*/) override { never(); }
+    void endSending(int /*kind*/) override { never(); }
+
+  private:
+    static void never() { require(false, "a call that importers never make"); }
+    [[nodiscard]] bool isRunning(int kind) const { return openKind_ == kind && !hasFailed_; }
+
+    void add(std::string_view call, const GPSPoint *point, const Dictionary *extra) {
+        addBytes(call);
+        if (point != nullptr) {
+            require(point->test == 0, "the importer never sets the test field");
+            require(!std::isnan(point->latitude) && !std::isnan(point->longitude) &&
+                        !std::isnan(point->altitude),
+                    "no text reads as NaN");
+            addRecord(*point);
+        }
+        if (extra != nullptr) {
+            for (const Dictionary::Entry &each : *extra) {
+                addBytes(each.key.name());
+                addValue(each);
+            }
+        }
+    }
+    void addValue(const Dictionary::Entry &entry) {
+        if (const auto text = entry.value.string()) {
+            require(!text->empty() || entry.key == Key::known("sensor"), "empty texts are absent");
+            addBytes(*text);
+            return;
+        }
+        const auto number = entry.value.number();
+        require(number.has_value(), "extras are numbers and texts");
+        const double value = number->doubleValue();
+        require(!std::isnan(value), "no text reads as NaN");
+        addRecord(value);
+    }
+    void addBytes(std::string_view bytes) {
+        for (const char c : bytes) { // FNV-1a
+            digest_ = (digest_ ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
+        }
+    }
+    template <class Record>
+    void addRecord(const Record &record) {
+        char bytes[sizeof record];
+        std::memcpy(bytes, &record, sizeof record);
+        addBytes({bytes, sizeof bytes});
+    }
+
+    int transfers_ = 0;
+    int openKind_ = 0;
+    bool hasTrack_ = false;
+    bool hasFailed_ = false;
+    // The multiplication above is meant to wrap: the type is unsigned.
+    std::uint64_t digest_ = 0xCBF29CE484222325U;
+};
+
+/// A file in a folder of its own, so that no external entity finds anything else.
+class InputFile {
+  public:
+    InputFile() {
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "fuzz-import-XXXXXX").string();
+        require(::mkdtemp(pattern.data()) != nullptr, "a temporary folder");
+        folder_ = pattern;
+    }
+    InputFile(const InputFile &) = delete;
+    InputFile &operator=(const InputFile &) = delete;
+    ~InputFile() {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
+    }
+
+    [[nodiscard]] std::string path() const { return (folder_ / "input.gpx").string(); }
+
+    void write(const std::uint8_t *data, std::size_t size) const {
+        std::FILE *file = std::fopen(path().c_str(), "wb");
+        require(file != nullptr, "the input can be written");
+        const std::size_t written = std::fwrite(data, 1, size, file);
+        require(std::fclose(file) == 0 && written == size, "the input can be written");
+    }
+
+  private:
+    std::filesystem::path folder_;
+};
+
+std::uint64_t digestOfImport(const std::string &path) {
+    const auto checker = std::make_shared<RuleChecker>();
+    checker->finish(GPXFileImporter::initWithReceiver(checker)->processFile(path));
+    return checker->digest();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    static const InputFile file;
+    static const bool isQuiet = (setLogSink([](std::string_view) {}), true);
+    static_cast<void>(isQuiet);
+    file.write(data, size);
+    require(digestOfImport(file.path()) == digestOfImport(file.path()),
+            "two imports make the same calls");
+    return 0;
+}
