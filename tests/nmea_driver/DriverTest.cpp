@@ -221,8 +221,8 @@ TEST(Driver, SetsUpTheSerialLineAndRestoresIt) {
     termios during{};
     list.onTrackPoint = [&] {
         EXPECT_EQ(::tcgetattr(receiver.device(), &during), 0);
-        list.onTrackPoint = nullptr;
         wakeUp.stop();
+        list.onTrackPoint = nullptr; // last: this function goes with it
     };
     receiver.send(second(0) + second(1));
     DriverOptions options;
