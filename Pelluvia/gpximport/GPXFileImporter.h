@@ -8,6 +8,7 @@
 #include <Pelluvia/platform/Error.h>
 #include <Pelluvia/platform/Export.h>
 #include <Pelluvia/platform/URL.h>
+#include <Pelluvia/platform/XMLParser.h>
 #include <Pelluvia/platform/XMLParserDelegate.h>
 
 #include <cstdint>
@@ -117,6 +118,8 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
 
     /// The parse before the passes; a file that cannot be counted may still be read.
     void countElements();
+    /// The passes.
+    [[nodiscard]] ErrorPtr runParsers();
     /// Whether the points and headings of this kind are to be sent in this pass.
     [[nodiscard]] bool sends(std::int32_t kind) const noexcept;
 
@@ -239,6 +242,9 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     ErrorPtr lastError;    // of the structural abort in the current pass
     std::int32_t mode = 0; // the transfer kind of the current pass
     std::shared_ptr<GPXImportCounter> counters;
+    /// What the counting parse has found out about the file, for the passes; and which file.
+    XMLKnownFile countedFile;
+    std::optional<URL> countedURL;
     CollectedPoint currentPoint;
     std::int32_t recno = 0;
     float gpxVersion = 0; // 1.0 or 1.1 by the namespace; read by nothing

@@ -43,7 +43,9 @@ inline void Sax2Engine::startElement(const xmlParserCtxt &context, const xmlChar
     XMLElement &element = open_[depth_++];
     fill(element, localName, prefix, uri);
     if (namesOnly_) {
-        if (!stopped_) {
+        if (reportedElements_ != 0) {
+            --reportedElements_;
+        } else if (!stopped_) {
             delegate_.didStartElement(parser_, element, XMLAttributes());
         }
         return;

@@ -2,6 +2,7 @@
 
 #include <Pelluvia/platform/XMLParser.h>
 #include <Pelluvia/platform/XMLParserDelegate.h>
+#include <Pelluvia/platform/xml/Engine.h>
 #include <Pelluvia/platform/xml/EntityBudget.h>
 #include <Pelluvia/platform/xml/ExternalEntities.h>
 #include <Pelluvia/platform/xml/Failure.h>
@@ -10,6 +11,7 @@
 #include <Pelluvia/platform/xml/Source.h>
 
 #include <array>
+#include <cstdint>
 #include <exception>
 #include <libxml/parser.h>
 #include <memory>
@@ -31,20 +33,18 @@ namespace pelluvia::xml {
 ///
 /// The text of an entity is parsed by the library in a context of its own; so `context` in what
 /// follows is not always the context of the document.
-class Sax2Engine {
+class Sax2Engine final : public Engine {
   public:
+    /// A parse of `source`, which must be open and outlive it. A delegate that wants names only is
+    /// spared the first `reportedElements`: it was told of them before.
     Sax2Engine(XMLParser &parser, Source &source, XMLParserDelegate *delegate,
-               bool resolvesExternalEntities);
-    Sax2Engine(const Sax2Engine &) = delete;
-    Sax2Engine &operator=(const Sax2Engine &) = delete;
-    ~Sax2Engine();
+               bool resolvesExternalEntities, std::uint64_t reportedElements = 0);
+    ~Sax2Engine() override;
 
     /// Parses; returns the error that ended it, or null. Throws what the delegate has thrown.
     [[nodiscard]] ErrorPtr run();
-    /// Ends the parse; harmless when it has ended.
-    void abort();
-    /// Where the parse stands in the document, or ended.
-    [[nodiscard]] Position position() const noexcept;
+    void abort() override;
+    [[nodiscard]] Position position() override { return place(); }
 
   private:
     /// An attribute as libxml2 passes it.
@@ -59,6 +59,8 @@ class Sax2Engine {
             return {reinterpret_cast<const char *>(begin), static_cast<std::size_t>(end - begin)};
         }
     };
+
+    [[nodiscard]] Position place() const noexcept;
 
     struct Callbacks; ///< the functions that libxml2 calls
     [[nodiscard]] xmlSAXHandler handler() const;
@@ -101,6 +103,7 @@ class Sax2Engine {
     XMLParserDelegate &delegate_;
     const bool namesOnly_;
     const bool resolvesExternalEntities_;
+    std::uint64_t reportedElements_; ///< those that are still to come
 
     Input input_;
     xmlParserCtxtPtr context_ = nullptr;        ///< of the document

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <Pelluvia/platform/xml/Failure.h>
+
+namespace pelluvia::xml {
+
+/// What reads a document and reports it: the scanner or the XML library.
+class Engine {
+  public:
+    Engine() = default;
+    Engine(const Engine &) = delete;
+    Engine &operator=(const Engine &) = delete;
+    virtual ~Engine() = default;
+
+    /// Ends the parse, from within an event; harmless when it has ended.
+    virtual void abort() = 0;
+    /// Where the parse stands in the document, or ended.
+    [[nodiscard]] virtual Position position() = 0;
+};
+
+} // namespace pelluvia::xml
