@@ -105,8 +105,15 @@ bool ScanEngine::readMiscellany() {
 bool ScanEngine::readContent() {
     while (open_ != nullptr) {
         lookAhead();
+        const char *const at = window_.cursor();
+        if (*at != '<' && !is(blank, *at)) {
+            if (!readText()) {
+                return false;
+            }
+            continue;
+        }
         const char *end = nullptr;
-        KnownTag *const known = memory_.follow(lastTag_, window_.cursor(), end);
+        KnownTag *const known = memory_.follow(lastTag_, at, end);
         if (known != nullptr ? !reportKnown(*known, end) : !readUnknown()) {
             return false;
         }

@@ -53,44 +53,9 @@ bool write(const char *begin, const StartTag &tag, std::string &text) {
 
 } // namespace
 
-const char *KnownTag::match(const char *at) noexcept {
-    if (!agree(at, literal.bytes.data(), literal.size)) {
-        return nullptr;
-    }
-    at += literal.size;
-    for (std::size_t i = 0; i < literals.size(); ++i) {
-        // The next piece begins with the quote.
-        const char *const end = findSpecial<plainValue>(at);
-        const Literal &next = literals[i];
-        if (!agree(end, next.bytes.data(), next.size)) {
-            return nullptr;
-        }
-        attributes[i].value = std::string_view(at, distance(at, end));
-        at = end + next.size;
-    }
-    return at;
-}
-
 std::size_t TagMemory::Hash::operator()(const Key &key) const noexcept {
     return std::hash<std::string_view>()(key.text) ^
            (std::hash<const void *>()(key.element) * 0x9E3779B97F4A7C15U);
-}
-
-KnownTag *TagMemory::follow(const KnownTag *previous, const char *at, const char *&end) noexcept {
-    if (previous == nullptr) {
-        return nullptr;
-    }
-    for (KnownTag *const each : previous->followers) {
-        if (each == nullptr) {
-            return nullptr;
-        }
-        end = each->match(at);
-        if (end != nullptr) {
-            ++hits_;
-            return each;
-        }
-    }
-    return nullptr;
 }
 
 bool TagMemory::isLearning() noexcept {

@@ -110,4 +110,42 @@ class TagMemory {
     std::uint64_t toPass_ = 0; ///< how many are still to pass
 };
 
+// What happens for every tag of a document.
+
+inline const char *KnownTag::match(const char *at) noexcept {
+    if (!agree(at, literal.bytes.data(), literal.size)) {
+        return nullptr;
+    }
+    at += literal.size;
+    for (std::size_t i = 0; i < literals.size(); ++i) {
+        // The next piece begins with the quote.
+        const char *const end = findSpecial<plainValue>(at);
+        const Literal &next = literals[i];
+        if (!agree(end, next.bytes.data(), next.size)) {
+            return nullptr;
+        }
+        attributes[i].value = std::string_view(at, static_cast<std::size_t>(end - at));
+        at = end + next.size;
+    }
+    return at;
+}
+
+inline KnownTag *TagMemory::follow(const KnownTag *previous, const char *at,
+                                   const char *&end) noexcept {
+    if (previous == nullptr) {
+        return nullptr;
+    }
+    for (KnownTag *const each : previous->followers) {
+        if (each == nullptr) {
+            return nullptr;
+        }
+        end = each->match(at);
+        if (end != nullptr) {
+            ++hits_;
+            return each;
+        }
+    }
+    return nullptr;
+}
+
 } // namespace pelluvia::xml::scan
