@@ -87,35 +87,35 @@ ErrorPtr XMLParser::readDocument() {
     return fileHasChanged() ? changeError() : readKnown();
 }
 
-/// Finds out who can read the document, and has it read. All that the scanner reports before it
-/// gives up is reported by the library too, except that a piece of text may reach further. So where
-/// more than names is wanted, the whole document is looked at first. What can be read only once
-/// is the library's.
+/// The scanner begins; where it gives up, the library reads the document from the start and reports
+/// what the scanner has not. What can be read only once is the library's.
 ErrorPtr XMLParser::readUnknown() {
     file_.reader_ = Reader::library;
-    auto sourceForMore = mayScan() ? source_->again() : nullptr;
-    if (sourceForMore == nullptr) {
-        return readWithLibrary(0);
+    auto sourceForLibrary = mayScan() ? source_->again() : nullptr;
+    if (sourceForLibrary == nullptr) {
+        return readWithLibrary({});
     }
-    const bool namesOnly = delegate_ == nullptr || delegate_->wantsElementNamesOnly();
-    auto scan = std::make_unique<ScanEngine>(*this, *source_, namesOnly ? delegate_ : nullptr);
+    auto scan = std::make_unique<ScanEngine>(*this, *source_, delegate_);
     ScanEngine &engine = *scan;
     engine_ = std::move(scan);
-    const Scanned outcome = engine.run();
-    const std::uint64_t reportedElements = namesOnly ? engine.startedElements() : 0;
-    if (outcome == Scanned::wellFormed) {
+    switch (engine.run()) {
+    case Scanned::wellFormed:
         file_.reader_ = Reader::scanner;
+        return nullptr;
+    case Scanned::aborted:
+        file_ = {};
+        return abortError();
+    case Scanned::refused:
+        break;
     }
-    if (namesOnly && outcome != Scanned::refused) {
-        return outcome == Scanned::aborted ? abortError() : nullptr;
-    }
+    const xml::Reported reported = engine.reported();
     engine_.reset();
-    source_ = std::move(sourceForMore);
-    return outcome == Scanned::refused ? readWithLibrary(reportedElements) : readKnown();
+    source_ = std::move(sourceForLibrary);
+    return readWithLibrary(reported);
 }
 
 ErrorPtr XMLParser::readKnown() {
-    ErrorPtr error = file_.reader_ == Reader::scanner ? readWithScanner() : readWithLibrary(0);
+    ErrorPtr error = file_.reader_ == Reader::scanner ? readWithScanner() : readWithLibrary({});
     return fileHasChanged() ? changeError() : error;
 }
 
@@ -135,9 +135,9 @@ ErrorPtr XMLParser::readWithScanner() {
     return changeError();
 }
 
-ErrorPtr XMLParser::readWithLibrary(std::uint64_t reportedElements) {
+ErrorPtr XMLParser::readWithLibrary(xml::Reported reported) {
     auto library = std::make_unique<xml::Sax2Engine>(*this, *source_, delegate_,
-                                                     resolvesExternalEntities_, reportedElements);
+                                                     resolvesExternalEntities_, reported);
     xml::Sax2Engine &engine = *library;
     engine_ = std::move(library);
     return engine.run();

@@ -16,6 +16,7 @@ namespace xml {
 class Engine;
 class Source;
 struct FileState;
+struct Reported;
 } // namespace xml
 
 /// The domain of the errors that the parser makes. Codes are those of the underlying XML library,
@@ -164,7 +165,7 @@ class PELLUVIA_EXPORT XMLParser {
     [[nodiscard]] ErrorPtr readUnknown();
     [[nodiscard]] ErrorPtr readKnown();
     [[nodiscard]] ErrorPtr readWithScanner();
-    [[nodiscard]] ErrorPtr readWithLibrary(std::uint64_t reportedElements);
+    [[nodiscard]] ErrorPtr readWithLibrary(xml::Reported reported);
     [[nodiscard]] bool mayScan() const;
     [[nodiscard]] bool fileHasChanged() const;
     [[nodiscard]] ErrorPtr changeError();

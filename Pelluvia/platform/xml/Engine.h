@@ -2,7 +2,17 @@
 
 #include <Pelluvia/platform/xml/Failure.h>
 
+#include <cstdint>
+
 namespace pelluvia::xml {
+
+/// How much of a document a delegate was told.
+struct Reported {
+    /// Starts of elements and, unless the delegate wants names only, ends.
+    std::uint64_t tags = 0;
+    /// Bytes of text since the last of them.
+    std::uint64_t text = 0;
+};
 
 /// What reads a document and reports it: the scanner or the XML library.
 class Engine {

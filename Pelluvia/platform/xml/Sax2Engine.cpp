@@ -7,12 +7,12 @@
 namespace pelluvia::xml {
 
 Sax2Engine::Sax2Engine(XMLParser &parser, Source &source, XMLParserDelegate *delegate,
-                       bool resolvesExternalEntities, std::uint64_t reportedElements)
+                       bool resolvesExternalEntities, Reported reported)
     : parser_(parser),
       delegate_(delegate != nullptr ? *delegate : nobody_),
       namesOnly_(delegate == nullptr || delegate->wantsElementNamesOnly()),
       resolvesExternalEntities_(resolvesExternalEntities),
-      reportedElements_(reportedElements),
+      reported_(reported),
       input_(source),
       externalEntities_(source) {}
 

@@ -11,7 +11,6 @@
 #include <Pelluvia/platform/xml/Source.h>
 
 #include <array>
-#include <cstdint>
 #include <exception>
 #include <libxml/parser.h>
 #include <memory>
@@ -35,10 +34,10 @@ namespace pelluvia::xml {
 /// follows is not always the context of the document.
 class Sax2Engine final : public Engine {
   public:
-    /// A parse of `source`, which must be open and outlive it. A delegate that wants names only is
-    /// spared the first `reportedElements`: it was told of them before.
+    /// A parse of `source`, which must be open and outlive it. What was reported before is not
+    /// reported again.
     Sax2Engine(XMLParser &parser, Source &source, XMLParserDelegate *delegate,
-               bool resolvesExternalEntities, std::uint64_t reportedElements = 0);
+               bool resolvesExternalEntities, Reported reported = {});
     ~Sax2Engine() override;
 
     /// Parses; returns the error that ended it, or null. Throws what the delegate has thrown.
@@ -71,6 +70,7 @@ class Sax2Engine final : public Engine {
     [[nodiscard]] std::size_t read(char *to, std::size_t room);
     void libraryError(xmlParserCtxtPtr context, const xmlError &error);
 
+    [[nodiscard]] bool wasReported() noexcept;
     void startElement(const xmlParserCtxt &context, const xmlChar *localName, const xmlChar *prefix,
                       const xmlChar *uri, std::span<const xmlChar *> namespaces,
                       std::span<const Attribute> attributes, std::size_t defaulted);
@@ -103,7 +103,7 @@ class Sax2Engine final : public Engine {
     XMLParserDelegate &delegate_;
     const bool namesOnly_;
     const bool resolvesExternalEntities_;
-    std::uint64_t reportedElements_; ///< those that are still to come
+    Reported reported_; ///< what of it is still to come
 
     Input input_;
     xmlParserCtxtPtr context_ = nullptr;        ///< of the document

@@ -56,7 +56,7 @@ void writeText(const StartTag &tag, std::string &text) {
 
 } // namespace
 
-std::size_t ElementTree::Hash::operator()(const Key &key) const noexcept {
+std::size_t ElementTree::Hash::operator()(const Key &key) const {
     return std::hash<std::string_view>()(key.text) ^
            (std::hash<const void *>()(key.parent) * 0x9E3779B97F4A7C15U);
 }

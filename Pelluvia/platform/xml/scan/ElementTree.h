@@ -61,8 +61,9 @@ class ElementTree {
         std::string_view text; ///< of the element
         [[nodiscard]] bool operator==(const Key &) const = default;
     };
+    /// Not noexcept, although it throws nothing: the table then keeps the hashes.
     struct Hash {
-        [[nodiscard]] std::size_t operator()(const Key &key) const noexcept;
+        [[nodiscard]] std::size_t operator()(const Key &key) const;
     };
 
     [[nodiscard]] std::unique_ptr<Element> make(Element *parent, const StartTag &tag) const;

@@ -3,6 +3,7 @@
 #include <Pelluvia/platform/xml/scan/Characters.h>
 #include <Pelluvia/platform/xml/scan/ScanEngine.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace pelluvia::xml::scan {
@@ -11,6 +12,22 @@ namespace {
 
 /// As much as tags and texts of GPX files need.
 constexpr std::size_t usualLookAhead = 4096;
+
+/// The place behind the one special thing at `at` that may stand in a text: characters outside
+/// ASCII, a reference, a bracket. None is longer than `longestSpecial`, but for the characters, of
+/// which there may be many. `at` for what may not stand there, or not without what follows `end`.
+const char *skipSpecial(const char *at, const char *end) noexcept {
+    if (isMultibyte(*at)) {
+        return skipMultibyte(at);
+    }
+    if (*at == '&') {
+        static_cast<void>(readReference(at)); // moves only if there is one
+        return at;
+    }
+    const bool isBracket = *at == ']' && begins(at, end, "]]>") == Look::refused;
+    return isBracket ? at + 1 : at;
+}
+constexpr std::ptrdiff_t longestSpecial = longestReference;
 
 } // namespace
 
@@ -65,7 +82,7 @@ bool ScanEngine::readProlog() {
     if (!readMiscellany()) {
         return false;
     }
-    while (startedElements_ == 0) {
+    while (reported_.tags == 0) {
         if (*window_.cursor() != '<' || !readStart(window_.cursor())) {
             return false;
         }
@@ -144,45 +161,43 @@ bool ScanEngine::readUnknown() {
     return reportTextTo(at) && readAside();
 }
 
-/// Text up to the next markup, or what of it is in the window.
+/// Text up to the next markup. Nothing of it is reported before all of it is known to be right: of
+/// a text that is not, the library might report less.
 bool ScanEngine::readText() {
-    const char *at = window_.cursor();
+    const char *end = window_.cursor();
+    bool hasReferences = false;
     while (true) {
-        at = findSpecial<plainText>(at);
-        if (isMultibyte(*at)) {
-            const char *const next = skipMultibyte(at);
-            const bool isStuck = next == at;
-            at = next;
-            if (!isStuck) {
-                continue;
-            }
-        } else if (*at == ']' && begins(at, window_.end(), "]]>") == Look::refused) {
-            ++at;
-            continue;
+        end = findSpecial<plainText>(end);
+        if (*end == '<') {
+            break;
         }
-        break;
+        hasReferences = hasReferences || *end == '&';
+        const char *const next = skipSpecial(end, window_.end());
+        if (next == end) {
+            const bool mayBeCutOff = window_.end() - end < longestSpecial;
+            return mayBeCutOff && window_.more();
+        }
+        end = next;
     }
-    if (!reportTextTo(at)) {
-        return false;
-    }
-    if (*at == '<') {
-        return true;
-    }
-    if (*at == '&') {
-        return readTextReference();
-    }
-    // A character or `]]>` that the window cuts off, or something that may not stand here.
-    return !window_.holds(longestReference) && window_.more();
+    return (!hasReferences || reportReferencesTo(end)) && reportTextTo(end);
 }
 
-bool ScanEngine::readTextReference() {
-    const char *at = window_.cursor();
-    const Character character = readReference(at);
-    if (character.size == 0) {
-        return !window_.holds(longestReference) && window_.more();
+/// Reports the text up to behind the last reference in front of `end`.
+bool ScanEngine::reportReferencesTo(const char *end) {
+    while (true) {
+        const char *at = std::find<const char *>(window_.cursor(), end, '&');
+        if (at == end) {
+            return true;
+        }
+        if (!reportTextTo(at)) {
+            return false;
+        }
+        const Character character = readReference(at);
+        window_.moveTo(at);
+        if (!reportText(character.text(), at)) {
+            return false;
+        }
     }
-    window_.moveTo(at);
-    return reportText(character.text(), at);
 }
 
 bool ScanEngine::readStart(char *at) {
@@ -296,7 +311,7 @@ bool ScanEngine::reportKnown(KnownTag &tag, const char *end) {
 bool ScanEngine::reportStart(const Element &element, std::span<const XMLAttribute> attributes,
                              const char *place) {
     textSize_ = 0;
-    ++startedElements_;
+    reported_ = {.tags = reported_.tags + 1};
     place_ = place;
     if (namesOnly_) {
         delegate_.didStartElement(parser_, element.name, XMLAttributes());
@@ -314,6 +329,7 @@ bool ScanEngine::reportStart(const Element &element, std::span<const XMLAttribut
 
 bool ScanEngine::reportEnd(const Element &element, const char *place) {
     if (!namesOnly_) {
+        reported_ = {.tags = reported_.tags + 1};
         place_ = place;
         delegate_.didEndElement(parser_, element.name);
     }
@@ -333,6 +349,7 @@ bool ScanEngine::reportText(std::string_view text, const char *place) {
         return false;
     }
     if (!namesOnly_ && !text.empty()) {
+        reported_.text += text.size();
         place_ = place;
         delegate_.foundCharacters(parser_, text);
     }

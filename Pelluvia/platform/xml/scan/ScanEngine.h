@@ -26,25 +26,25 @@ namespace pelluvia::xml::scan {
 /// and in no way unusual. All others are refused, and the XML library reads them from the start; so
 /// the scanner needs no error messages, and may refuse whatever is not worth its while.
 ///
-/// What it reports up to there is what the library reports. docs/xml.md tells how it works.
+/// What it reports up to there the library reports, too, so that its events need not be reported
+/// twice. docs/xml.md tells how it works.
 class ScanEngine final : public Engine {
   public:
     enum class Outcome { wellFormed, aborted, refused };
 
-    /// A parse of `source`, which must be open and outlive it. Without a delegate the document is
-    /// only checked. At most `windowSize` bytes are in memory; what does not fit is refused.
+    /// A parse of `source`, which must be open and outlive it, for a delegate or nobody. At most
+    /// `windowSize` bytes are in memory; what does not fit is refused.
     ScanEngine(XMLParser &parser, Source &source, XMLParserDelegate *delegate,
                std::size_t windowSize = usualWindowSize);
 
     /// Parses. Throws what the delegate has thrown.
     [[nodiscard]] Outcome run();
-    /// How many starts of elements were reported.
-    [[nodiscard]] std::uint64_t startedElements() const noexcept { return startedElements_; }
+    [[nodiscard]] const Reported &reported() const noexcept { return reported_; }
 
     void abort() override;
     [[nodiscard]] Position position() override;
 
-    /// So much for a tag, a comment or a CDATA section.
+    /// Enough for any tag, comment, CDATA section, and text between them, that is not unusual.
     static constexpr std::size_t usualWindowSize = 128 * 1024;
     /// More text between the starts of two elements, or white space and comments around the root,
     /// is refused.
@@ -62,7 +62,6 @@ class ScanEngine final : public Engine {
     // nothing: it is then taken again.
     [[nodiscard]] bool readUnknown();
     [[nodiscard]] bool readText();
-    [[nodiscard]] bool readTextReference();
     [[nodiscard]] bool readStart(char *at);
     [[nodiscard]] bool readEnd(const char *at);
     [[nodiscard]] bool readAside();
@@ -75,6 +74,7 @@ class ScanEngine final : public Engine {
     [[nodiscard]] bool reportStart(const Element &element, std::span<const XMLAttribute> attributes,
                                    const char *place);
     [[nodiscard]] bool reportEnd(const Element &element, const char *place);
+    [[nodiscard]] bool reportReferencesTo(const char *end);
     [[nodiscard]] bool reportTextTo(const char *end);
     [[nodiscard]] bool reportText(std::string_view text, const char *place);
     [[nodiscard]] std::span<const XMLAttribute> collectAttributes();
@@ -99,7 +99,7 @@ class ScanEngine final : public Engine {
     StartTag tag_;                         ///< scratch
     std::vector<XMLAttribute> attributes_; ///< scratch
     std::size_t textSize_ = 0;             ///< of the text since an element started
-    std::uint64_t startedElements_ = 0;
+    Reported reported_;
     bool aborted_ = false;
 
     const char *place_;                  ///< of the last event, in the window

@@ -53,7 +53,7 @@ bool write(const char *begin, const StartTag &tag, std::string &text) {
 
 } // namespace
 
-std::size_t TagMemory::Hash::operator()(const Key &key) const noexcept {
+std::size_t TagMemory::Hash::operator()(const Key &key) const {
     return std::hash<std::string_view>()(key.text) ^
            (std::hash<const void *>()(key.element) * 0x9E3779B97F4A7C15U);
 }

@@ -91,8 +91,9 @@ class TagMemory {
         std::string text;
         [[nodiscard]] bool operator==(const Key &) const = default;
     };
+    /// Not noexcept, although it throws nothing: the table then keeps the hashes.
     struct Hash {
-        [[nodiscard]] std::size_t operator()(const Key &key) const noexcept;
+        [[nodiscard]] std::size_t operator()(const Key &key) const;
     };
 
     /// The tag with the scratch key, made by `make` if it is new, as a follower of `previous`.
