@@ -107,7 +107,7 @@ def make_cache(write, size, rng):
     write("</gpx>\n")
 
 
-def make_hostile(write, size, rng):
+def make_worst(write, size, rng):
     """Waypoints no two of which look alike: elements and attributes in random order, any of a hundred
     prefixes and names in the extensions, random white space everywhere. Hardly anything can be learnt
     from what went before."""
@@ -144,7 +144,7 @@ KINDS = {
     "ext": (make_ext, b"<trkpt ", "track_points"),
     "bare": (make_bare, b"<trkpt ", "track_points"),
     "cache": (make_cache, b"<wpt ", "waypoints"),
-    "hostile": (make_hostile, b"<wpt", "waypoints"),
+    "worst": (make_worst, b"<wpt", "waypoints"),
 }
 
 
@@ -158,6 +158,20 @@ def input_file(folder, kind, megabytes):
             make(lambda text: (stream.write(text), len(text.encode()))[1],
                  megabytes * 1_000_000, random.Random(20240504))
         os.rename(path + ".part", path)
+    return path
+
+
+def tiny_file(folder):
+    """The path of a file of ten points, made anew."""
+    path = os.path.join(folder, "tiny.gpx")
+    ride = rider(random.Random(1))
+    with open(path, "w", encoding="utf-8", newline="\n") as stream:
+        stream.write(HEAD + " <trk>\n  <trkseg>\n")
+        for _ in range(10):
+            lat, lon, ele, seconds = next(ride)
+            stream.write(f'   <trkpt lat="{lat:.9f}" lon="{lon:.9f}"><ele>{ele:.2f}</ele>'
+                         f'<time>{stamp(seconds)}</time></trkpt>\n')
+        stream.write("  </trkseg>\n </trk>\n</gpx>\n")
     return path
 
 

@@ -4,6 +4,7 @@
 // one run; what counts are the ratios.
 //
 //     passes FILE.gpx [ROUNDS]
+//     passes --bare FILE.gpx          one bare pass and nothing else
 
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 #include <Pelluvia/gpximport/GPXImportCounter.h>
@@ -118,6 +119,9 @@ int measure(const char *path, int rounds) {
 
 int main(int count, char **arguments) {
     int rounds = 7;
+    if (count == 3 && std::strcmp(arguments[1], "--bare") == 0) {
+        return parseBare(arguments[2]) ? 0 : 1;
+    }
     bool understood = count == 2 || count == 3;
     if (count == 3) {
         const char *text = arguments[2];
@@ -125,7 +129,7 @@ int main(int count, char **arguments) {
         understood = result.ec == std::errc() && *result.ptr == '\0' && rounds > 0;
     }
     if (!understood) {
-        std::fprintf(stderr, "usage: passes FILE.gpx [ROUNDS]\n");
+        std::fprintf(stderr, "usage: passes FILE.gpx [ROUNDS] | passes --bare FILE.gpx\n");
         return 2;
     }
     return measure(arguments[1], rounds);
