@@ -1,6 +1,5 @@
 #include <Pelluvia/gpximport/CollectedPoint.h>
 
-#include <Pelluvia/companion/Companion.h>
 #include <Pelluvia/platform/Scanner.h>
 
 #include <cstring>
@@ -9,9 +8,9 @@ namespace pelluvia {
 
 namespace {
 
-std::int64_t timeValue(std::string_view text) noexcept {
+std::int64_t timeValue(std::string_view text, ISO8601Day &day) noexcept {
     Scanner scanner(text);
-    return scanISO8601DateAsSeconds(scanner).value_or(0);
+    return scanISO8601DateAsSeconds(scanner, day).value_or(0);
 }
 
 } // namespace
@@ -43,7 +42,7 @@ void CollectedPoint::setAltitude(std::string_view text) noexcept {
 
 void CollectedPoint::setTime(std::string_view text) noexcept {
     if (!time_.keep(text)) {
-        point_.time = timeValue(text);
+        point_.time = timeValue(text, day_);
     }
 }
 
@@ -58,7 +57,7 @@ const GPSPoint &CollectedPoint::read() noexcept {
     readInto(point_.longitude, longitude_);
     readInto(point_.altitude, altitude_);
     if (!time_.text().empty()) {
-        point_.time = timeValue(time_.text());
+        point_.time = timeValue(time_.text(), day_);
         time_.clear();
     }
     return point_;

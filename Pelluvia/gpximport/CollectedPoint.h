@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Pelluvia/companion/Companion.h>
 #include <Pelluvia/model/GPSPoint.h>
 
 #include <array>
@@ -56,6 +57,7 @@ class CollectedPoint {
     Waiting longitude_;
     Waiting altitude_;
     Waiting time_;
+    ISO8601Day day_; // of the last time that was read
 };
 
 } // namespace pelluvia

@@ -67,7 +67,7 @@ void writePointStart(GPXRef document, std::int64_t time, double latitude, double
     }
     text.literal(">");
     appendElevation(text, altitude);
-    appendTime(text, time);
+    appendTime(text, document->timestamps, time);
     document->file->commit(text.position());
 }
 
