@@ -140,6 +140,9 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     void endGeocache(const XMLElement &element);
     void endGPXData(const XMLElement &element) noexcept;
     void endGPX(const XMLElement &element);
+    /// What the parser reports at the end of an element, apart from the collecting of text.
+    void endElement(const XMLElement &element);
+    void emptyText() noexcept;
     // The values of the collected text; all but `takeText` empty it.
     void takeText(CollectedText &field);
     void takeFloat(float &field) noexcept;
@@ -211,7 +214,11 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     bool trackStarted = false;
     bool routeStarted = false;
     /// The text since the last start of an element. One buffer, emptied and never given back.
+    /// Collected inside elements that use their text; elsewhere only its size is counted.
     std::string currentStringValue;
+    std::size_t currentTextSize = 0;
+    /// How many of the open elements use their text.
+    std::size_t openTextElements = 0;
 
     // Collected for the current waypoint, route point, track point, route or track.
     CollectedText number;

@@ -1,6 +1,7 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
+#include <Pelluvia/gpximport/internal/TextElements.h>
 #include <Pelluvia/platform/Scanner.h>
 #include <Pelluvia/platform/XMLParser.h>
 
@@ -15,13 +16,21 @@ using gpxVocabulary::Namespace;
 
 void GPXFileImporter::foundCharacters(XMLParser &parser, std::string_view characters) {
     // The parser limits a text between two tags; here several can add up.
-    if (characters.size() > xmlLimits::textSize - currentStringValue.size()) {
+    if (characters.size() > xmlLimits::textSize - currentTextSize) {
         return abortParser(parser, "text of an element is too long");
     }
-    currentStringValue.append(characters);
+    currentTextSize += characters.size();
+    if (openTextElements != 0) {
+        currentStringValue.append(characters);
+    }
 }
 
 void GPXFileImporter::didEndElement(XMLParser & /*parser*/, const XMLElement &element) {
+    endElement(element);
+    openTextElements -= usesText(element) ? std::size_t{1} : 0;
+}
+
+void GPXFileImporter::endElement(const XMLElement &element) {
     switch (gpxVocabulary::namespaceOf(element)) {
     case Namespace::GarminExtensions:
         if (endGarminExtension(element)) {
@@ -223,28 +232,33 @@ void GPXFileImporter::endGPX(const XMLElement &element) {
     }
 }
 
+void GPXFileImporter::emptyText() noexcept {
+    currentStringValue.clear();
+    currentTextSize = 0;
+}
+
 void GPXFileImporter::takeText(CollectedText &field) {
     field.setUnlessEmpty(currentStringValue);
 }
 
 void GPXFileImporter::takeFloat(float &field) noexcept {
     field = Scanner(currentStringValue).scanFloat().value_or(0.0F);
-    currentStringValue.clear();
+    emptyText();
 }
 
 void GPXFileImporter::takeInt(std::int32_t &field) noexcept {
     field = Scanner(currentStringValue).scanInt().value_or(0);
-    currentStringValue.clear();
+    emptyText();
 }
 
 void GPXFileImporter::takeAltitude() noexcept {
     currentPoint.setAltitude(currentStringValue);
-    currentStringValue.clear();
+    emptyText();
 }
 
 void GPXFileImporter::takeTime() noexcept {
     currentPoint.setTime(currentStringValue);
-    currentStringValue.clear();
+    emptyText();
 }
 
 } // namespace pelluvia
