@@ -2,7 +2,6 @@
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 #include <Pelluvia/gpximport/internal/TextElements.h>
-#include <Pelluvia/platform/Scanner.h>
 #include <Pelluvia/platform/XMLParser.h>
 
 /// \file
@@ -53,14 +52,20 @@ void GPXFileImporter::endElement(const XMLElement &element) {
     endGPX(element);
 }
 
+template <class Number>
+void GPXFileImporter::takeNumber(CollectedNumber<Number> &field) noexcept {
+    field.set(currentStringValue);
+    emptyText();
+}
+
 bool GPXFileImporter::endGarminExtension(const XMLElement &element) noexcept {
     switch (nameOf(element)) {
     case Name::Temperature:
-        takeFloat(temp);
+        takeNumber(temp);
         inTemp = false;
         return true;
     case Name::GarminProximity:
-        takeFloat(proximity);
+        takeNumber(proximity);
         inProximity = false;
         return true;
     default:
@@ -71,15 +76,15 @@ bool GPXFileImporter::endGarminExtension(const XMLElement &element) noexcept {
 bool GPXFileImporter::endGarminTrackPoint(const XMLElement &element) noexcept {
     switch (nameOf(element)) {
     case Name::Atemp:
-        takeFloat(temp);
+        takeNumber(temp);
         inTemp = false;
         return true;
     case Name::Hr:
-        takeInt(hr);
+        takeNumber(hr);
         inHR = false;
         return true;
     case Name::Cad:
-        takeInt(cadence);
+        takeNumber(cadence);
         inCadence = false;
         return true;
     default:
@@ -132,33 +137,33 @@ void GPXFileImporter::endGeocache(const XMLElement &element) {
 void GPXFileImporter::endGPXData(const XMLElement &element) noexcept {
     switch (nameOf(element)) {
     case Name::Cadence:
-        takeInt(cadence);
+        takeNumber(cadence);
         inCadence = false;
         return;
     case Name::Hr:
-        takeInt(hr);
+        takeNumber(hr);
         inHR = false;
         return;
     case Name::Proximity:
-        takeFloat(proximity);
+        takeNumber(proximity);
         inProximity = false;
         return;
     case Name::Distance:
-        takeFloat(distance);
+        takeNumber(distance);
         inDistance = false;
         return;
     case Name::Sensor: // the value came from an attribute
         inSensor = false;
         return;
     case Name::Temp:
-        takeFloat(temp);
+        takeNumber(temp);
         inTemp = false;
         return;
     case Name::Course:
         inCourse = false;
         return;
     case Name::Index:
-        takeInt(courseIndex);
+        takeNumber(courseIndex);
         inIndex = false;
         return;
     default:
@@ -232,23 +237,8 @@ void GPXFileImporter::endGPX(const XMLElement &element) {
     }
 }
 
-void GPXFileImporter::emptyText() noexcept {
-    currentStringValue.clear();
-    currentTextSize = 0;
-}
-
 void GPXFileImporter::takeText(CollectedText &field) {
     field.setUnlessEmpty(currentStringValue);
-}
-
-void GPXFileImporter::takeFloat(float &field) noexcept {
-    field = Scanner(currentStringValue).scanFloat().value_or(0.0F);
-    emptyText();
-}
-
-void GPXFileImporter::takeInt(std::int32_t &field) noexcept {
-    field = Scanner(currentStringValue).scanInt().value_or(0);
-    emptyText();
 }
 
 void GPXFileImporter::takeAltitude() noexcept {

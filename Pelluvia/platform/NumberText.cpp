@@ -102,10 +102,10 @@ int exponentOfTen(double magnitude) noexcept {
 char *writeDigits(char *out, std::uint64_t number, int exponent) noexcept {
     // Ten digits are copied each time, from wherever: copies of known size are a move or two.
     std::array<char, 2 * significantDigits> digits{};
-    for (std::size_t end = significantDigits; end != 0; end -= 2) {
-        writePair(digits.data() + end - 2, static_cast<std::uint32_t>(number % 100));
-        number /= 100;
-    }
+    const auto last = static_cast<std::uint32_t>(number % 100'000'000);
+    char *end = writePair(digits.data(), static_cast<std::uint32_t>(number / 100'000'000));
+    end = writeFour(end, last / 10'000);
+    writeFour(end, last % 10'000);
     const auto whole = static_cast<std::size_t>(std::max(exponent + 1, 0));
     std::size_t length = significantDigits;
     while (length > whole && digits[length - 1] == '0') {

@@ -22,4 +22,9 @@ inline char *writePair(char *out, std::uint32_t number) noexcept {
     return out + 2;
 }
 
+/// Writes a number below 10,000 as four digits; returns the position behind them.
+inline char *writeFour(char *out, std::uint32_t number) noexcept {
+    return writePair(writePair(out, number / 100), number % 100);
+}
+
 } // namespace pelluvia
