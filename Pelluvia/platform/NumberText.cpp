@@ -59,8 +59,9 @@ struct Magnitude {
         const auto whole = static_cast<std::uint64_t>(product >> shift);
         const Wide remainder = product - (Wide{whole} << shift);
         const Wide half = Wide{1} << (shift - 1);
-        const bool roundsUp = remainder > half || (remainder == half && whole % 2 != 0);
-        return whole + (roundsUp ? 1 : 0);
+        // Up from half, where the integer is odd, else above half; without a branch, since nobody
+        // can predict it.
+        return whole + static_cast<std::uint64_t>(remainder + whole % 2 > half);
     }
 };
 
