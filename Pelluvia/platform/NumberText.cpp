@@ -66,7 +66,7 @@ struct Magnitude {
 };
 
 constexpr int significantDigits = 10; // of `%1.10g`
-constexpr std::size_t decimals = 6;   // of `%f`
+constexpr int fixedDecimals = 6;      // of `%f`
 constexpr std::uint64_t million = 1'000'000;
 /// The least exponent of ten that `%g` writes without an "e", and the first that it does not.
 constexpr int leastExponent = -4;
@@ -153,7 +153,8 @@ char *writeFixed(char *out, double value) noexcept {
     // From 2^42 on a million times as much does not fit 64 bits; NaN and infinity end here too.
     constexpr double tooLarge = 0x1p42;
     if (!(std::fabs(value) < tooLarge)) {
-        return std::to_chars(out, out + maxFixedText, value, std::chars_format::fixed, decimals)
+        return std::to_chars(out, out + maxFixedText, value, std::chars_format::fixed,
+                             fixedDecimals)
             .ptr;
     }
     const Magnitude magnitude(value);
