@@ -4,6 +4,7 @@
 #include <cassert>
 #include <cerrno>
 #include <charconv>
+#include <cstring>
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>

@@ -3,7 +3,6 @@
 #include <Pelluvia/platform/Export.h>
 
 #include <cstddef>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
@@ -47,8 +46,7 @@ class PELLUVIA_EXPORT OutputFile {
         if (bytes.size() > bufferSize - used_) {
             return writeThrough(bytes);
         }
-        std::memcpy(buffer_.get() + used_, bytes.data(), bytes.size());
-        used_ += bytes.size();
+        used_ += bytes.copy(buffer_.get() + used_, bytes.size());
     }
 
     /// At least `size` bytes (at most `largestReservation`) to write into directly; `commit` says

@@ -45,7 +45,9 @@ class Value::Text : public RefCounted<Value::Text> {
     /// Takes another text, which must fit and may be a part of this one.
     void refill(std::string_view text) noexcept {
         size_ = text.size();
-        std::memmove(bytes(), text.data(), text.size());
+        if (!text.empty()) { // an empty text may be at no address
+            std::memmove(bytes(), text.data(), text.size());
+        }
         bytes()[text.size()] = '\0';
     }
 
