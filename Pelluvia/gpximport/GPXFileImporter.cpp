@@ -156,6 +156,7 @@ ErrorPtr GPXFileImporter::runParser(std::int32_t kind) {
     recno = 0;
     mode = kind;
     lastError = nullptr;
+    openTextElements = 0; // an earlier pass may have stopped inside of some
     const auto readURL = fileURL();
     const auto parser = parserOf(readURL, *this);
     if (parser != nullptr && readURL == countedURL) {
