@@ -79,6 +79,11 @@ struct Words {
         return static_cast<std::size_t>(std::countr_zero(found)) / 8;
     }
 
+    /// How many of eight bytes are plain text, up to the first that is not or that is not ASCII.
+    [[nodiscard]] static std::size_t textLength(const char *at) noexcept {
+        return firstSpecial<plainText>(at);
+    }
+
     /// Whether `size` bytes agree. Up to seven bytes behind them are read on both sides.
     [[nodiscard]] static bool agree(const char *one, const char *other, std::size_t size) noexcept {
         while (size > width) {
@@ -134,8 +139,31 @@ struct Vectors {
             found = _mm_or_si128(found, equal(bytes, '\''));
         }
         constexpr unsigned none = 1U << width;
-        return static_cast<std::size_t>(
-            std::countr_zero(static_cast<unsigned>(_mm_movemask_epi8(found)) | none));
+        return static_cast<std::size_t>(std::countr_zero(mask(found) | none));
+    }
+
+    /// How many of sixteen bytes are plain text. Characters of two bytes count where they are right
+    /// and complete, which settles most texts that are not English.
+    [[nodiscard]] static std::size_t textLength(const char *at) noexcept {
+        const __m128i bytes = load(at);
+        const __m128i controls =
+            _mm_andnot_si128(bytes, _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20)));
+        const __m128i markup =
+            _mm_or_si128(_mm_or_si128(equal(bytes, '<'), equal(bytes, '&')), equal(bytes, ']'));
+        const std::uint32_t special = mask(_mm_or_si128(markup, controls)) | (1U << width);
+        const std::uint32_t multibyte = mask(bytes);
+        // Signed: 0x80 to 0xBF, which continue a character, are below the others.
+        const std::uint32_t continuing = mask(_mm_cmplt_epi8(bytes, _mm_set1_epi8(-0x40)));
+        const __m128i fromC2 = _mm_cmpgt_epi8(bytes, _mm_set1_epi8(-0x3F));
+        const __m128i belowE0 = _mm_cmplt_epi8(bytes, _mm_set1_epi8(-0x20));
+        const std::uint32_t leading = mask(_mm_and_si128(fromC2, belowE0));
+        // Each that leads is followed by one that continues; wrong is what does not fit into that.
+        const std::uint32_t wrong =
+            (multibyte & ~(leading | continuing)) | ((leading << 1U) ^ continuing);
+        const std::uint32_t first = special | wrong;
+        const auto length = static_cast<std::size_t>(std::countr_zero(first));
+        // Where a continuation is missing, the one that leads is not right either.
+        return length - (length != 0 && ((leading >> (length - 1)) & 1U) != 0 ? 1 : 0);
     }
 
     [[nodiscard]] static bool agree(const char *one, const char *other, std::size_t size) noexcept {
@@ -157,10 +185,13 @@ struct Vectors {
     [[nodiscard]] static __m128i equal(__m128i bytes, char c) noexcept {
         return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c));
     }
+    /// The high bit of each byte, the first of them lowest.
+    [[nodiscard]] static std::uint32_t mask(__m128i bytes) noexcept {
+        return static_cast<std::uint32_t>(_mm_movemask_epi8(bytes));
+    }
     /// A bit for each byte that differs, the first of them lowest.
     [[nodiscard]] static std::uint32_t differences(const char *one, const char *other) noexcept {
-        return 0xFFFFU ^ static_cast<std::uint32_t>(
-                             _mm_movemask_epi8(_mm_cmpeq_epi8(load(one), load(other))));
+        return 0xFFFFU ^ mask(_mm_cmpeq_epi8(load(one), load(other)));
     }
 };
 using Blocks = Vectors;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Pelluvia/platform/xml/scan/Bytes.h>
+
 #include <cstddef>
 #include <string_view>
 
@@ -11,6 +13,28 @@ namespace pelluvia::xml::scan {
 /// The first byte behind the run of multibyte characters that begins at `at`; where one of them is
 /// not well-formed UTF-8, or not allowed in XML, the position of that one.
 [[nodiscard]] const char *skipMultibyte(const char *at) noexcept;
+
+/// The first byte at or behind `at` that is no plain text, where all characters are plain that are
+/// not ASCII.
+template <class Width = Blocks>
+[[nodiscard]] inline const char *skipText(const char *at) noexcept {
+    while (true) {
+        const std::size_t length = Width::textLength(at);
+        at += length;
+        if (length == Width::width) {
+            continue;
+        }
+        if (is(plainText, *at)) { // a tab or line end, which a block takes for a control
+            ++at;
+            continue;
+        }
+        const char *const next = isMultibyte(*at) ? skipMultibyte(at) : at;
+        if (next == at) {
+            return at;
+        }
+        at = next;
+    }
+}
 
 /// A character in UTF-8.
 struct Character {

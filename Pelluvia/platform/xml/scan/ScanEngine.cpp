@@ -3,7 +3,7 @@
 #include <Pelluvia/platform/xml/scan/Characters.h>
 #include <Pelluvia/platform/xml/scan/ScanEngine.h>
 
-#include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace pelluvia::xml::scan {
@@ -13,13 +13,9 @@ namespace {
 /// As much as tags and texts of GPX files need.
 constexpr std::size_t usualLookAhead = 4096;
 
-/// The place behind the one special thing at `at` that may stand in a text: characters outside
-/// ASCII, a reference, a bracket. None is longer than `longestSpecial`, but for the characters, of
-/// which there may be many. `at` for what may not stand there, or not without what follows `end`.
+/// The place behind what stands at `at` and is no plain text, but may stand in a text: a reference
+/// or a bracket. `at` itself for what may not stand there, or not without what follows `end`.
 const char *skipSpecial(const char *at, const char *end) noexcept {
-    if (isMultibyte(*at)) {
-        return skipMultibyte(at);
-    }
     if (*at == '&') {
         static_cast<void>(readReference(at)); // moves only if there is one
         return at;
@@ -27,6 +23,7 @@ const char *skipSpecial(const char *at, const char *end) noexcept {
     const bool isBracket = *at == ']' && begins(at, end, "]]>") == Look::refused;
     return isBracket ? at + 1 : at;
 }
+/// No special thing is longer, nor a character.
 constexpr std::ptrdiff_t longestSpecial = longestReference;
 
 } // namespace
@@ -167,7 +164,7 @@ bool ScanEngine::readText() {
     const char *end = window_.cursor();
     bool hasReferences = false;
     while (true) {
-        end = findSpecial<plainText>(end);
+        end = skipText(end);
         if (*end == '<') {
             break;
         }
@@ -184,10 +181,11 @@ bool ScanEngine::readText() {
 
 /// Reports the text up to behind the last reference in front of `end`.
 bool ScanEngine::reportReferencesTo(const char *end) {
-    while (true) {
-        const char *at = std::find<const char *>(window_.cursor(), end, '&');
-        if (at == end) {
-            return true;
+    while (!namesOnly_) {
+        const auto size = static_cast<std::size_t>(end - window_.cursor());
+        const char *at = static_cast<const char *>(std::memchr(window_.cursor(), '&', size));
+        if (at == nullptr) {
+            break;
         }
         if (!reportTextTo(at)) {
             return false;
@@ -198,6 +196,7 @@ bool ScanEngine::reportReferencesTo(const char *end) {
             return false;
         }
     }
+    return true;
 }
 
 bool ScanEngine::readStart(char *at) {
