@@ -1,4 +1,3 @@
-#include <tests/nmea_driver/Logs.h>
 #include <tests/support/SpyReceiver.h>
 #include <tests/support/TemporaryFolder.h>
 

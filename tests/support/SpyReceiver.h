@@ -50,8 +50,8 @@ template <class Float>
 }
 
 [[nodiscard]] inline std::string textOf(const GPSPoint &point) {
-    return "(" + textOfReal(point.latitude) + ", " + textOfReal(point.longitude) + ", " +
-           textOfReal(point.altitude) + ", " + std::to_string(point.time) + ", " +
+    return std::string("(") + textOfReal(point.latitude) + ", " + textOfReal(point.longitude) +
+           ", " + textOfReal(point.altitude) + ", " + std::to_string(point.time) + ", " +
            std::to_string(point.test) + ")";
 }
 
