@@ -108,20 +108,20 @@ struct Integer {
 
 Integer integerPrefix(std::string_view text) noexcept {
     const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
-    const std::size_t digits = digitRun(text.substr(sign));
-    if (digits == 0) {
+    constexpr std::int64_t cap = std::int64_t{1} << 32;
+    std::int64_t magnitude = 0;
+    std::size_t position = sign;
+    for (; position < text.size() && isDigit(text[position]); ++position) {
+        magnitude = std::min(magnitude * 10 + (text[position] - '0'), cap);
+    }
+    if (position == sign) {
         return {};
     }
     const bool negative = sign == 1 && text[0] == '-';
     using Limits = std::numeric_limits<std::int32_t>;
-    constexpr std::int64_t cap = std::int64_t{1} << 32;
-    std::int64_t magnitude = 0;
-    for (const char c : text.substr(sign, digits)) {
-        magnitude = std::min(magnitude * 10 + (c - '0'), cap);
-    }
     const std::int64_t value =
         std::clamp<std::int64_t>(negative ? -magnitude : magnitude, Limits::min(), Limits::max());
-    return {sign + digits, static_cast<std::int32_t>(value)};
+    return {position, static_cast<std::int32_t>(value)};
 }
 
 /// The decimal numbers of GPS data mostly have few digits and no exponent. When their digits and
