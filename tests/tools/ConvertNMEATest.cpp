@@ -5,7 +5,10 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace pelluvia {
 namespace {
@@ -137,6 +140,73 @@ TEST(ConvertNMEA, AMissingLogIsABadSource) {
         testing::pelluvia({"convert", folder.file("none.nmea"), folder.file("out.gpx")});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_FALSE(fs::exists(folder.file("out.gpx")));
+}
+
+TEST(ConvertNMEA, ADeviceThatIsNoSerialLineIsABadSource) {
+    const TemporaryFolder folder;
+    const Outcome outcome = testing::pelluvia(
+        {"convert", "--from", "nmea", "--baud", "9600", "/dev/zero", folder.file("out.gpx")});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors,
+                HasSubstr("/dev/zero: cannot be opened: a device, but not a serial line\n"));
+}
+
+TEST(ConvertNMEA, ALiveSourceIsShownOnATerminal) {
+    const Outcome shown = testing::pelluvia({.arguments = {"convert", "--from", "nmea", "-", "-"},
+                                             .input = first + second,
+                                             .hasTerminal = true});
+    EXPECT_EQ(shown.status, 0);
+    EXPECT_THAT(shown.errors, HasSubstr("1 point, fix, 48.13397 11.51667, 0.0 points/s"));
+    EXPECT_THAT(shown.errors, HasSubstr("\r\x1B[Kstandard input: 4 sentences, 2 points;"));
+    const Outcome quiet =
+        testing::pelluvia({.arguments = {"convert", "-q", "--from", "nmea", "-", "-"},
+                           .input = first + second,
+                           .hasTerminal = true});
+    EXPECT_THAT(quiet.errors, Not(HasSubstr("points/s")));
+}
+
+/// The texts between two others, one for each time that they stand around one.
+std::vector<std::string> textsBetween(const std::string &document, const std::string &before,
+                                      const std::string &after) {
+    std::vector<std::string> found;
+    for (std::size_t at = 0; (at = document.find(before, at)) != std::string::npos;) {
+        at += before.size();
+        found.push_back(document.substr(at, document.find(after, at) - at));
+    }
+    return found;
+}
+
+TEST(ConvertNMEA, ADocumentComesBackOverALogToTheResolutionOfSentences) {
+    constexpr double resolution =
+        0.0005 / 60.0 + 1e-8; // of a minute, and of what GPX is written with
+    std::mt19937 random(20240815);
+    std::uniform_real_distribution<double> real(-1.0, 1.0);
+    std::string points = "<gpx><trk><trkseg>";
+    for (int i = 0; i < 2000; ++i) {
+        points += "<trkpt lat=\"" + std::to_string(90.0 * real(random)) + "\" lon=\"" +
+                  std::to_string(180.0 * real(random)) + "\"><ele>" +
+                  std::to_string(4000.0 * real(random)) + "</ele><time>2024-08-15T" +
+                  std::to_string(10 + i / 60 / 60 % 10) + ":" + std::to_string(10 + i / 50 % 50) +
+                  ":" + std::to_string(10 + i % 50) + "Z</time></trkpt>";
+    }
+    const TemporaryFolder folder;
+    const std::string source = folder.write("a.gpx", points + "</trkseg></trk></gpx>");
+    const std::string log = folder.file("a.nmea");
+    EXPECT_EQ(testing::pelluvia({"convert", source, log}).status, 0);
+    const std::string direct = testing::pelluvia({"convert", source, "-"}).output;
+    const std::string back = testing::pelluvia({"convert", log, "-"}).output;
+    for (const auto &[before, tolerance] :
+         {std::pair("<trkpt lat=\"", resolution), std::pair("\" lon=\"", resolution),
+          std::pair("<ele>", 0.0005 + 1e-6)}) {
+        const auto expected = textsBetween(direct, before, "\"<");
+        const auto actual = textsBetween(back, before, "\"<");
+        ASSERT_EQ(expected.size(), 2000U);
+        ASSERT_EQ(actual.size(), 2000U);
+        for (std::size_t i = 0; i < actual.size(); ++i) {
+            ASSERT_NEAR(std::stod(actual[i]), std::stod(expected[i]), tolerance) << before << i;
+        }
+    }
+    EXPECT_EQ(textsBetween(back, "<time>", "<"), textsBetween(direct, "<time>", "<"));
 }
 
 TEST(ConvertNMEA, AnInterruptBringsTheTargetToAProperEnd) {
