@@ -276,7 +276,7 @@ TEST(Driver, ShowsALiveSourceAndNoFile) {
     Conversation conversation(receiver, list, 1000);
     conversation.atEnd = [&] { receiver.hangUp(); };
     (void)readNMEA(receiver.path(), {}, list, {.view = &view});
-    EXPECT_THAT(shown, ::testing::HasSubstr(" points, "));
+    EXPECT_THAT(shown, ::testing::HasSubstr(" point, "));
 }
 
 TEST(Driver, ReadsTheDateOfAnOption) {
