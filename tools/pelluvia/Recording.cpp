@@ -15,7 +15,7 @@ makeRecorder(const RecordingOptions &options, const std::shared_ptr<ReportCollec
     if (!options.isWanted) {
         return nullptr;
     }
-    const auto recorder = RecordingGPSOutput::recorder();
+    auto recorder = RecordingGPSOutput::recorder();
     recorder->setMinimizeTracks(options.minimize);
     if (options.pointSlop) {
         recorder->setPointEqualSlop(*options.pointSlop);
