@@ -1,6 +1,7 @@
 // The recorder compared with a model of it, on random calls in random order.
 
 #include <tests/support/RecorderCalls.h>
+#include <tests/support/Sanitized.h>
 
 #include <gtest/gtest.h>
 #include <random>
@@ -9,7 +10,7 @@
 namespace pelluvia {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
+#if PELLUVIA_TESTS_SANITIZED
 constexpr int rounds = 300;
 #else
 constexpr int rounds = 3000;

@@ -4,6 +4,7 @@
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
 #include <tests/recording/Spies.h>
+#include <tests/support/Sanitized.h>
 #include <tests/support/ThinningModel.h>
 
 #include <array>
@@ -21,7 +22,7 @@ using testing::sameBytes;
 using testing::telemetry;
 using testing::ThinningModel;
 
-#if defined(__SANITIZE_ADDRESS__)
+#if PELLUVIA_TESTS_SANITIZED
 constexpr int scale = 20; // times as slow
 #else
 constexpr int scale = 1;
