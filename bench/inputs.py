@@ -107,11 +107,44 @@ def make_cache(write, size, rng):
     write("</gpx>\n")
 
 
+def make_worst(write, size, rng):
+    """Waypoints no two of which look alike: elements and attributes in random order, any of a hundred
+    prefixes and names in the extensions, random white space everywhere. Hardly anything can be learnt
+    from what went before."""
+    def blank(least=0):
+        return "".join(rng.choices(" \t\n", k=rng.randint(least, 12)))
+
+    pool = ["".join(rng.choices("abcdefghijklmnopqrstuvwxyz", k=rng.randint(3, 12))) for _ in range(100)]
+
+    def name():
+        return rng.choice(pool)
+
+    def foreign():
+        prefix = name()
+        inner = "".join(f"{blank()}<{prefix}:{tag}{blank(1)}{name()}='{rng.randint(0, 99)}'{blank()}>"
+                        f"{rng.randint(0, 999)}</{prefix}:{tag}{blank()}>"
+                        for tag in (name() for _ in range(rng.randint(1, 4))))
+        return (f"<extensions><{prefix}:{prefix}{blank(1)}xmlns:{prefix}=\"urn:{name()}\">{inner}{blank()}"
+                f"</{prefix}:{prefix}></extensions>")
+
+    written = write(HEAD)
+    while written < size:
+        position = [f'lat="{rng.uniform(46, 49):.6f}"', f"lon='{rng.uniform(6, 11):.6f}'"]
+        parts = [f"<ele>{rng.uniform(200, 900):.1f}</ele>", f"<time>{stamp(rng.randint(0, 10**8))}</time>",
+                 f"<name>{name()}</name>", f"<sym{blank()}>{name()}</sym{blank()}>", foreign(), foreign()]
+        rng.shuffle(position)
+        rng.shuffle(parts)
+        written += write(f"<wpt{blank(1)}{blank(1).join(position)}{blank()}>"
+                         + "".join(blank() + part for part in parts) + f"{blank()}</wpt>{blank()}")
+    write("</gpx>\n")
+
+
 # name: how it is made, the element of its points, the layer that another program finds them in
 KINDS = {
     "ext": (make_ext, b"<trkpt ", "track_points"),
     "bare": (make_bare, b"<trkpt ", "track_points"),
     "cache": (make_cache, b"<wpt ", "waypoints"),
+    "worst": (make_worst, b"<wpt", "waypoints"),
 }
 
 
@@ -125,6 +158,20 @@ def input_file(folder, kind, megabytes):
             make(lambda text: (stream.write(text), len(text.encode()))[1],
                  megabytes * 1_000_000, random.Random(20240504))
         os.rename(path + ".part", path)
+    return path
+
+
+def tiny_file(folder):
+    """The path of a file of ten points, made anew."""
+    path = os.path.join(folder, "tiny.gpx")
+    ride = rider(random.Random(1))
+    with open(path, "w", encoding="utf-8", newline="\n") as stream:
+        stream.write(HEAD + " <trk>\n  <trkseg>\n")
+        for _ in range(10):
+            lat, lon, ele, seconds = next(ride)
+            stream.write(f'   <trkpt lat="{lat:.9f}" lon="{lon:.9f}"><ele>{ele:.2f}</ele>'
+                         f'<time>{stamp(seconds)}</time></trkpt>\n')
+        stream.write("  </trkseg>\n </trk>\n</gpx>\n")
     return path
 
 

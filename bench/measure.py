@@ -24,8 +24,8 @@ def adopt_orphans():
         raise OSError(ctypes.get_errno(), "prctl")
 
 
-def run(command, errors_path):
-    """Runs the command to its end.
+def run(command, errors_path, environment=None):
+    """Runs the command to its end, with `environment` added to the own one.
 
     The kernel counts the memory of the process that calls exec, here that of this interpreter, into
     the peak of the program that it becomes. So a shell starts the program and ends at once; the
@@ -34,10 +34,20 @@ def run(command, errors_path):
     begin = time.perf_counter()
     shell = subprocess.run(
         ["/bin/sh", "-c", 'errors=$1; shift; "$@" >/dev/null 2>"$errors" & echo $!', "sh",
-         errors_path, *command], stdout=subprocess.PIPE, check=True)
+         errors_path, *command], stdout=subprocess.PIPE, check=True,
+        env={**os.environ, **(environment or {})})
     _, status, usage = os.wait4(int(shell.stdout), 0)
     wall = time.perf_counter() - begin
     with open(errors_path, encoding="utf-8", errors="replace") as stream:
         message = stream.read()[-2000:].strip()
     return Run(os.waitstatus_to_exitcode(status), wall, usage.ru_utime + usage.ru_stime,
                usage.ru_maxrss * 1024 / 1e6, message)
+
+
+def processor_time(command):
+    """Seconds of processor time of a program that is too short-lived for `run`, whose shell may end
+    after it."""
+    _, status, usage = os.wait4(os.posix_spawn(command[0], command, os.environ), 0)
+    if status != 0:
+        raise OSError(f"{command[0]} failed with {status}")
+    return usage.ru_utime + usage.ru_stime

@@ -3,6 +3,7 @@ track while it is recorded."""
 
 import os
 import shutil
+import subprocess
 import sys
 from statistics import median
 
@@ -18,13 +19,16 @@ MOST_THINNED = 10
 THINNING = ["--point-slop", "0.00002", "--slope-slop", "0.1"]
 
 
-def table(title, size, commands, rounds, folder, count):
-    """Runs the commands in turn and prints their table. `count` checks the points of a result in the
-    first round. The median of each round's own ratio to the first command, by name."""
+def table(title, size, commands, rounds, folder, count, once=()):
+    """Runs the commands in turn, those named in `once` in the first round only, and prints their table.
+    `count` is told the points of each result of the first round. The median of each round's own ratio
+    to the first command, by name."""
     runs = {name: [] for name in commands}
     target = os.path.join(folder, "out.gpx")
     for number in range(rounds):
         for name, command in commands.items():
+            if number > 0 and name in once:
+                continue
             run = measure.run(command + [target], os.path.join(folder, "errors"))
             if run.status != 0:
                 sys.exit(f"{name} failed with {run.status}: {run.errors}")
@@ -44,7 +48,7 @@ def table(title, size, commands, rounds, folder, count):
     return ratios
 
 
-def compare_nmea(pelluvia, megabytes, rounds, data, folder, bar):
+def compare_nmea(pelluvia, megabytes, rounds, data, folder, at_least):
     """A receiver's log to GPX. True when the bar holds."""
     source = nmea_inputs.log_file(data, megabytes)
     epochs = nmea_inputs.count_epochs(source)
@@ -58,8 +62,8 @@ def compare_nmea(pelluvia, megabytes, rounds, data, folder, bar):
         commands["gpsbabel"] = ["gpsbabel", "-t", "-i", "nmea", "-f", source, "-o", "gpx", "-F"]
     size = os.path.getsize(source) / 1e6
     ratios = table(f"nmea: {size:.1f} MB, {epochs} points", size, commands, rounds, folder, count)
-    return "gpsbabel" not in ratios or bar(f"at least {NMEA_BAR} times as fast as gpsbabel",
-                                           ratios["gpsbabel"], NMEA_BAR, lambda a, b: a >= b)
+    return "gpsbabel" not in ratios or at_least("times as fast as gpsbabel", ratios["gpsbabel"],
+                                                NMEA_BAR)
 
 
 def compare_thinning(pelluvia, megabytes, rounds, data, folder):
@@ -77,5 +81,19 @@ def compare_thinning(pelluvia, megabytes, rounds, data, folder):
         commands["gpsbabel -x simplify"] = ["gpsbabel", "-i", "gpx", "-f", source, "-x",
                                             "simplify,crosstrack,error=0.001k", "-o", "gpx", "-F"]
     size = os.path.getsize(source) / 1e6
-    table(f"thinning: {size:.1f} MB, {points} points", size, commands, rounds, folder, left.__setitem__)
+    table(f"thinning: {size:.1f} MB, {points} points", size, commands, rounds, folder, left.__setitem__,
+          once=("gpsbabel -x simplify",))
     print("  points left: " + ", ".join(f"{name} {count}" for name, count in left.items()))
+
+
+def compare(options, folder, at_least):
+    """All of it. `at_least(what, value, limit)` says whether a bar holds. True when all do."""
+    measured = (options.pelluvia, options.megabytes, options.rounds, options.data, folder)
+    good = compare_nmea(*measured, at_least)
+    driver = os.path.join(os.path.dirname(options.pelluvia), "nmea_bench")
+    if os.access(driver, os.X_OK):
+        sys.stdout.flush()
+        log = nmea_inputs.log_file(options.data, options.megabytes)
+        good &= subprocess.run([driver, log], check=False).returncode == 0
+    compare_thinning(*measured)
+    return good

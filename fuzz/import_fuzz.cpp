@@ -1,9 +1,11 @@
 // Imports any bytes as a GPX file and checks that the calls follow the receiver's rules, whatever
-// the bytes are, and that a second import makes the same calls. See fuzz/README.md.
+// the bytes are, and that an import by the XML library makes the same calls, with the same error in
+// the same place, as one by the scanner. See fuzz/README.md.
 
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 #include <Pelluvia/model/GPSOutputReceiver.h>
 #include <Pelluvia/platform/Log.h>
+#include <Pelluvia/platform/XMLParser.h>
 
 #include <cmath>
 #include <cstddef>
@@ -189,10 +191,30 @@ class InputFile {
     std::filesystem::path folder_;
 };
 
-std::uint64_t digestOfImport(const std::string &path) {
+/// An import and how it ended, as numbers and texts that can be compared.
+struct Import {
+    std::uint64_t digest = 0;
+    std::int64_t code = 0;
+    std::string description;
+    std::int64_t line = 0;
+    std::int64_t column = 0;
+    bool operator==(const Import &) const = default;
+};
+
+Import importBy(const char *engine, const std::string &path) {
+    require(::setenv("PELLUVIA_XML_ENGINE", engine, 1) == 0, "the environment can be set");
     const auto checker = std::make_shared<RuleChecker>();
-    checker->finish(GPXFileImporter::initWithReceiver(checker)->processFile(path));
-    return checker->digest();
+    const ErrorPtr error = GPXFileImporter::initWithReceiver(checker)->processFile(path);
+    checker->finish(error);
+    Import import;
+    import.digest = checker->digest();
+    if (error != nullptr) {
+        import.code = error->code();
+        import.description = error->localizedDescription();
+        import.line = error->integer(NSXMLParserErrorLineNumber);
+        import.column = error->integer(NSXMLParserErrorColumn);
+    }
+    return import;
 }
 
 } // namespace
@@ -202,7 +224,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     static const bool isQuiet = (setLogSink([](std::string_view) {}), true);
     static_cast<void>(isQuiet);
     file.write(data, size);
-    require(digestOfImport(file.path()) == digestOfImport(file.path()),
-            "two imports make the same calls");
+    require(importBy("automatic", file.path()) == importBy("libxml2", file.path()),
+            "both engines lead to the same calls and the same error");
     return 0;
 }

@@ -3,6 +3,7 @@
 #include <Pelluvia/platform/Export.h>
 #include <Pelluvia/platform/Scanner.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -12,7 +13,7 @@
 /// The three routines that the framework takes from its companion library: XML escaping and string
 /// output for the GPX writer, date reading for the importer.
 ///
-/// Threads: the routines keep nothing; call them from any thread.
+/// Threads: the routines keep nothing of their own; call them from any thread.
 
 namespace pelluvia {
 
@@ -68,5 +69,17 @@ PELLUVIA_EXPORT void SkerryCFStringFWrite(OutputFile &stream, std::string_view s
 /// directly behind it.
 [[nodiscard]] PELLUVIA_EXPORT std::optional<std::int64_t>
 scanISO8601DateAsSeconds(Scanner &scanner) noexcept;
+
+/// A date as text with its first second. Made empty and kept between calls by who reads many times
+/// of few days.
+struct ISO8601Day {
+    std::array<char, 10> text{}; ///< 2020-06-01; NULs where no day is known.
+    std::int64_t firstSecond = 0;
+};
+
+/// Does the same, several times as fast where the day is that of the last call and the whole rest
+/// of the text has the form 2020-06-01T08:26:40Z. The day is the caller's, one for each thread.
+[[nodiscard]] PELLUVIA_EXPORT std::optional<std::int64_t>
+scanISO8601DateAsSeconds(Scanner &scanner, ISO8601Day &day) noexcept;
 
 } // namespace pelluvia

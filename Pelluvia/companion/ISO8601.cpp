@@ -4,6 +4,7 @@
 #include <Pelluvia/platform/Text.h>
 
 #include <cstddef>
+#include <cstring>
 
 namespace pelluvia {
 
@@ -159,7 +160,53 @@ std::optional<std::int64_t> readDateAndTime(Cursor &cursor) noexcept {
     return seconds;
 }
 
+/// The form that nearly all files have. Its parts stand at fixed places.
+constexpr std::string_view usualForm = "2020-06-01T08:26:40Z";
+
+/// The number of two digits at a place of the text; more than any part of a time where there are
+/// none.
+constexpr unsigned twoDigitsAt(std::string_view text, std::size_t place) noexcept {
+    const unsigned tens = static_cast<unsigned char>(text[place]) - unsigned{'0'};
+    const unsigned ones = static_cast<unsigned char>(text[place + 1]) - unsigned{'0'};
+    return tens <= 9 && ones <= 9 ? tens * 10 + ones : 100;
+}
+
+/// The second of the day in a text that has the usual form from the T on; nothing for other texts.
+/// (Second 60 and hour 24 are left to the general way.)
+constexpr std::optional<int> secondOfDayInUsualForm(std::string_view text) noexcept {
+    if (text.size() != usualForm.size() || text[10] != 'T' || text[13] != ':' || text[16] != ':' ||
+        text[19] != 'Z') {
+        return std::nullopt;
+    }
+    const unsigned hour = twoDigitsAt(text, 11);
+    const unsigned minute = twoDigitsAt(text, 14);
+    const unsigned second = twoDigitsAt(text, 17);
+    if (hour > 23 || minute > 59 || second > 59) {
+        return std::nullopt;
+    }
+    return static_cast<int>((hour * 60 + minute) * 60 + second);
+}
+static_assert(secondOfDayInUsualForm(usualForm) == (8 * 60 + 26) * 60 + 40);
+
 } // namespace
+
+std::optional<std::int64_t> scanISO8601DateAsSeconds(Scanner &scanner, ISO8601Day &day) noexcept {
+    const std::string_view text = scanner.remaining();
+    const std::optional<int> secondOfDay = secondOfDayInUsualForm(text);
+    if (!secondOfDay) {
+        return scanISO8601DateAsSeconds(scanner);
+    }
+    if (std::memcmp(text.data(), day.text.data(), day.text.size()) == 0) {
+        scanner.skip(text.size());
+        return day.firstSecond + *secondOfDay;
+    }
+    const std::optional<std::int64_t> seconds = scanISO8601DateAsSeconds(scanner);
+    if (seconds) {
+        std::memcpy(day.text.data(), text.data(), day.text.size());
+        day.firstSecond = *seconds - *secondOfDay;
+    }
+    return seconds;
+}
 
 std::optional<std::int64_t> scanISO8601DateAsSeconds(Scanner &scanner) noexcept {
     const std::string_view text = scanner.remaining();

@@ -1,5 +1,6 @@
 #include <Pelluvia/companion/Companion.h>
 
+#include <array>
 #include <cstring>
 
 namespace pelluvia {
@@ -25,6 +26,14 @@ constexpr bool isPlain(unsigned char byte) noexcept {
     const bool isSpace = byte == '\t' || byte == '\n' || byte == '\r';
     return (byte >= ' ' && byte < 0x80 && !isReserved) || isSpace;
 }
+
+constexpr auto plainBytes = [] {
+    std::array<bool, 256> plain{};
+    for (std::size_t byte = 0; byte < plain.size(); ++byte) {
+        plain[byte] = isPlain(static_cast<unsigned char>(byte));
+    }
+    return plain;
+}();
 
 /// The length that a UTF-8 sequence has by its first byte; 1 for what begins none.
 constexpr std::size_t announcedLength(unsigned char first) noexcept {
@@ -101,7 +110,7 @@ char *SkerryCStringByMakingStandardXMLEntities(char *destination, const char *so
     char *out = destination;
     const char *const end = destination + capacity - 1;
     while (source != nullptr && *source != '\0' && out != end) {
-        if (isPlain(byteAt(source, 0))) {
+        if (plainBytes[byteAt(source, 0)]) {
             *out++ = *source++;
             continue;
         }

@@ -1,67 +1,23 @@
 #include <Pelluvia/gpximport/CollectedPoint.h>
 
-#include <Pelluvia/companion/Companion.h>
-#include <Pelluvia/platform/Scanner.h>
-
-#include <cstring>
-
 namespace pelluvia {
 
-namespace {
-
-std::int64_t timeValue(std::string_view text) noexcept {
+void CollectedPoint::readTime(std::string_view text) noexcept {
     Scanner scanner(text);
-    return scanISO8601DateAsSeconds(scanner).value_or(0);
+    time_ = scanISO8601DateAsSeconds(scanner, day_).value_or(0);
 }
 
-} // namespace
-
-bool CollectedPoint::Waiting::keep(std::string_view text) noexcept {
-    if (text.empty() || text.size() > bytes_.size()) {
-        size_ = 0;
-        return false;
+GPSPoint CollectedPoint::read() noexcept {
+    if (!timeText_.text().empty()) {
+        readTime(timeText_.text());
+        timeText_.clear();
     }
-    std::memcpy(bytes_.data(), text.data(), text.size());
-    size_ = static_cast<std::uint8_t>(text.size());
-    return true;
-}
-
-void CollectedPoint::setPosition(std::string_view latitude, std::string_view longitude) noexcept {
-    if (!longitude_.keep(longitude)) {
-        point_.longitude = doubleValue(longitude);
-    }
-    if (!latitude_.keep(latitude)) {
-        point_.latitude = doubleValue(latitude);
-    }
-}
-
-void CollectedPoint::setAltitude(std::string_view text) noexcept {
-    if (!altitude_.keep(text)) {
-        point_.altitude = doubleValue(text);
-    }
-}
-
-void CollectedPoint::setTime(std::string_view text) noexcept {
-    if (!time_.keep(text)) {
-        point_.time = timeValue(text);
-    }
-}
-
-const GPSPoint &CollectedPoint::read() noexcept {
-    const auto readInto = [](double &value, Waiting &waiting) {
-        if (!waiting.text().empty()) {
-            value = doubleValue(waiting.text());
-            waiting.clear();
-        }
-    };
-    readInto(point_.latitude, latitude_);
-    readInto(point_.longitude, longitude_);
-    readInto(point_.altitude, altitude_);
-    if (!time_.text().empty()) {
-        point_.time = timeValue(time_.text());
-        time_.clear();
-    }
-    return point_;
+    GPSPoint point;
+    point.latitude = latitude_.value();
+    point.longitude = longitude_.value();
+    point.altitude = altitude_.value();
+    point.time = time_;
+    return point;
 }
 
 } // namespace pelluvia

@@ -118,6 +118,12 @@ ErrorPtr GPXFileImporter::processFile(std::string_view filePath) {
 
 ErrorPtr GPXFileImporter::processURL(const std::optional<URL> & /*url*/) {
     countElements();
+    ErrorPtr error = runParsers();
+    countedFile = {};
+    return error;
+}
+
+ErrorPtr GPXFileImporter::runParsers() {
     if (output == nullptr) {
         return Error::make(gpsPluginErrorDomain, gpsPluginFailure);
     }
@@ -136,19 +142,26 @@ ErrorPtr GPXFileImporter::processURL(const std::optional<URL> & /*url*/) {
 
 void GPXFileImporter::countElements() {
     counters = GPXImportCounter::init();
-    const auto parser = parserOf(fileURL(), *counters);
+    countedURL = fileURL();
+    const auto parser = parserOf(countedURL, *counters);
     if (parser == nullptr || !parser->parse()) {
         const ErrorPtr error = parser != nullptr ? parser->parserError() : nullptr;
         logLine("parse error, but continuing, since it might be readible (error = " +
                 lineOf(error) + ")");
     }
+    countedFile = parser != nullptr ? parser->knownFile() : XMLKnownFile();
 }
 
 ErrorPtr GPXFileImporter::runParser(std::int32_t kind) {
     recno = 0;
     mode = kind;
     lastError = nullptr;
-    const auto parser = parserOf(fileURL(), *this);
+    openTextElements = 0; // an earlier pass may have stopped inside of some
+    const auto readURL = fileURL();
+    const auto parser = parserOf(readURL, *this);
+    if (parser != nullptr && readURL == countedURL) {
+        parser->setKnownFile(countedFile);
+    }
 
     if (output != nullptr) {
         Dictionary extra;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Pelluvia/gpximport/CollectedNumber.h>
 #include <Pelluvia/gpximport/CollectedPoint.h>
 #include <Pelluvia/gpximport/CollectedText.h>
 #include <Pelluvia/gpximport/GPXImportCounter.h>
@@ -8,6 +9,7 @@
 #include <Pelluvia/platform/Error.h>
 #include <Pelluvia/platform/Export.h>
 #include <Pelluvia/platform/URL.h>
+#include <Pelluvia/platform/XMLParser.h>
 #include <Pelluvia/platform/XMLParserDelegate.h>
 
 #include <cstdint>
@@ -117,6 +119,8 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
 
     /// The parse before the passes; a file that cannot be counted may still be read.
     void countElements();
+    /// The passes.
+    [[nodiscard]] ErrorPtr runParsers();
     /// Whether the points and headings of this kind are to be sent in this pass.
     [[nodiscard]] bool sends(std::int32_t kind) const noexcept;
 
@@ -140,10 +144,16 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     void endGeocache(const XMLElement &element);
     void endGPXData(const XMLElement &element) noexcept;
     void endGPX(const XMLElement &element);
+    /// What the parser reports at the end of an element, apart from the collecting of text.
+    void endElement(const XMLElement &element);
+    void emptyText() noexcept {
+        currentStringValue.clear();
+        currentTextSize = 0;
+    }
     // The values of the collected text; all but `takeText` empty it.
     void takeText(CollectedText &field);
-    void takeFloat(float &field) noexcept;
-    void takeInt(std::int32_t &field) noexcept;
+    template <class Number>
+    void takeNumber(CollectedNumber<Number> &field) noexcept;
     void takeAltitude() noexcept;
     void takeTime() noexcept;
 
@@ -211,7 +221,11 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     bool trackStarted = false;
     bool routeStarted = false;
     /// The text since the last start of an element. One buffer, emptied and never given back.
+    /// Collected inside elements that use their text; elsewhere only its size is counted.
     std::string currentStringValue;
+    std::size_t currentTextSize = 0;
+    /// How many of the open elements use their text.
+    std::size_t openTextElements = 0;
 
     // Collected for the current waypoint, route point, track point, route or track.
     CollectedText number;
@@ -228,23 +242,26 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     CollectedText geocacheHint;
     CollectedText geocacheName;
     CollectedText sensor; // the only one that can be present and empty
-    std::int32_t hr = 0;
-    std::int32_t cadence = 0;
-    std::int32_t courseIndex = 0;
+    CollectedNumber<std::int32_t> hr;
+    CollectedNumber<std::int32_t> cadence;
+    CollectedNumber<std::int32_t> courseIndex;
     std::int32_t isCourse = 0; // set by no handler: no file makes a track a course
-    float temp = 0;
-    float distance = 0;
-    float proximity = 0;
+    CollectedNumber<float> temp;
+    CollectedNumber<float> distance;
+    CollectedNumber<float> proximity;
 
     ErrorPtr lastError;    // of the structural abort in the current pass
     std::int32_t mode = 0; // the transfer kind of the current pass
     std::shared_ptr<GPXImportCounter> counters;
+    /// What the counting parse has found out about the file, for the passes; and which file.
+    XMLKnownFile countedFile;
+    std::optional<URL> countedURL;
     CollectedPoint currentPoint;
     std::int32_t recno = 0;
     float gpxVersion = 0; // 1.0 or 1.1 by the namespace; read by nothing
 
-    /// The extras of the call being made. Used again for every call, so that a point without texts
-    /// costs no allocation.
+    /// The extras of the call being made; empty between calls. Used again for every call, so that a
+    /// point costs no allocation.
     Dictionary scratch;
     mutable std::mutex fileURLMutex;
 };

@@ -1,7 +1,7 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
-#include <Pelluvia/platform/Scanner.h>
+#include <Pelluvia/gpximport/internal/TextElements.h>
 #include <Pelluvia/platform/XMLParser.h>
 
 /// \file
@@ -15,13 +15,21 @@ using gpxVocabulary::Namespace;
 
 void GPXFileImporter::foundCharacters(XMLParser &parser, std::string_view characters) {
     // The parser limits a text between two tags; here several can add up.
-    if (characters.size() > xmlLimits::textSize - currentStringValue.size()) {
+    if (characters.size() > xmlLimits::textSize - currentTextSize) {
         return abortParser(parser, "text of an element is too long");
     }
-    currentStringValue.append(characters);
+    currentTextSize += characters.size();
+    if (openTextElements != 0) {
+        currentStringValue.append(characters);
+    }
 }
 
 void GPXFileImporter::didEndElement(XMLParser & /*parser*/, const XMLElement &element) {
+    endElement(element);
+    openTextElements -= usesText(element) ? std::size_t{1} : 0;
+}
+
+void GPXFileImporter::endElement(const XMLElement &element) {
     switch (gpxVocabulary::namespaceOf(element)) {
     case Namespace::GarminExtensions:
         if (endGarminExtension(element)) {
@@ -44,14 +52,20 @@ void GPXFileImporter::didEndElement(XMLParser & /*parser*/, const XMLElement &el
     endGPX(element);
 }
 
+template <class Number>
+void GPXFileImporter::takeNumber(CollectedNumber<Number> &field) noexcept {
+    field.set(currentStringValue);
+    emptyText();
+}
+
 bool GPXFileImporter::endGarminExtension(const XMLElement &element) noexcept {
     switch (nameOf(element)) {
     case Name::Temperature:
-        takeFloat(temp);
+        takeNumber(temp);
         inTemp = false;
         return true;
     case Name::GarminProximity:
-        takeFloat(proximity);
+        takeNumber(proximity);
         inProximity = false;
         return true;
     default:
@@ -62,15 +76,15 @@ bool GPXFileImporter::endGarminExtension(const XMLElement &element) noexcept {
 bool GPXFileImporter::endGarminTrackPoint(const XMLElement &element) noexcept {
     switch (nameOf(element)) {
     case Name::Atemp:
-        takeFloat(temp);
+        takeNumber(temp);
         inTemp = false;
         return true;
     case Name::Hr:
-        takeInt(hr);
+        takeNumber(hr);
         inHR = false;
         return true;
     case Name::Cad:
-        takeInt(cadence);
+        takeNumber(cadence);
         inCadence = false;
         return true;
     default:
@@ -123,33 +137,33 @@ void GPXFileImporter::endGeocache(const XMLElement &element) {
 void GPXFileImporter::endGPXData(const XMLElement &element) noexcept {
     switch (nameOf(element)) {
     case Name::Cadence:
-        takeInt(cadence);
+        takeNumber(cadence);
         inCadence = false;
         return;
     case Name::Hr:
-        takeInt(hr);
+        takeNumber(hr);
         inHR = false;
         return;
     case Name::Proximity:
-        takeFloat(proximity);
+        takeNumber(proximity);
         inProximity = false;
         return;
     case Name::Distance:
-        takeFloat(distance);
+        takeNumber(distance);
         inDistance = false;
         return;
     case Name::Sensor: // the value came from an attribute
         inSensor = false;
         return;
     case Name::Temp:
-        takeFloat(temp);
+        takeNumber(temp);
         inTemp = false;
         return;
     case Name::Course:
         inCourse = false;
         return;
     case Name::Index:
-        takeInt(courseIndex);
+        takeNumber(courseIndex);
         inIndex = false;
         return;
     default:
@@ -227,24 +241,14 @@ void GPXFileImporter::takeText(CollectedText &field) {
     field.setUnlessEmpty(currentStringValue);
 }
 
-void GPXFileImporter::takeFloat(float &field) noexcept {
-    field = Scanner(currentStringValue).scanFloat().value_or(0.0F);
-    currentStringValue.clear();
-}
-
-void GPXFileImporter::takeInt(std::int32_t &field) noexcept {
-    field = Scanner(currentStringValue).scanInt().value_or(0);
-    currentStringValue.clear();
-}
-
 void GPXFileImporter::takeAltitude() noexcept {
     currentPoint.setAltitude(currentStringValue);
-    currentStringValue.clear();
+    emptyText();
 }
 
 void GPXFileImporter::takeTime() noexcept {
     currentPoint.setTime(currentStringValue);
-    currentStringValue.clear();
+    emptyText();
 }
 
 } // namespace pelluvia

@@ -12,28 +12,37 @@ namespace pelluvia {
 
 namespace {
 
+/// Empties the dictionary that was sent at the end of the block, however that comes about: only
+/// texts that nobody shares any more give their memory to the next ones.
+class Emptied {
+  public:
+    explicit Emptied(Dictionary &extras) noexcept : extras_(extras) {}
+    Emptied(const Emptied &) = delete;
+    Emptied &operator=(const Emptied &) = delete;
+    ~Emptied() { extras_.removeAll(); }
+
+  private:
+    Dictionary &extras_;
+};
+
 void addText(Dictionary &extras, const Key &key, const CollectedText &text) {
-    if (text.isPresent) {
-        extras.set(key, Value(std::string_view(text.text)));
+    if (text.isPresent()) {
+        extras.set(key, text.value());
     }
 }
 
 /// NaN is a value: it differs from 0.
-void addFloat(Dictionary &extras, const Key &key, float value) {
-    if (value != 0.0F) {
-        extras.set(key, Value(value));
-    }
-}
-
-void addInt(Dictionary &extras, const Key &key, std::int32_t value) {
+template <class Number>
+void addNumber(Dictionary &extras, const Key &key, CollectedNumber<Number> &number) {
+    const Number value = number.value();
     if (value != 0) {
         extras.set(key, Value(value));
     }
 }
 
-void addNumber(Dictionary &extras, const CollectedText &number) {
-    if (number.isPresent) {
-        extras.set(extras::index, Value(intValue(number.text)));
+void addIndex(Dictionary &extras, const CollectedText &number) {
+    if (number.isPresent()) {
+        extras.set(extras::index, Value(intValue(number.view())));
     }
 }
 
@@ -46,21 +55,18 @@ const Dictionary *unlessEmpty(const Dictionary &extras) noexcept {
 
 void GPXFileImporter::clearPoint() noexcept {
     currentPoint.clear();
-    for (CollectedText *text :
-         {&comment, &description, &name, &number, &symbol, &url, &urlName, &geocacheTerrain,
-          &geocacheDifficulty, &geocacheType, &geocacheHint, &geocacheName, &sensor}) {
-        text->clear();
-    }
-    hr = cadence = 0;
-    temp = distance = proximity = 0.0F;
+    const auto clearAll = [](auto &...each) { (each.clear(), ...); };
+    clearAll(comment, description, name, number, symbol, url, urlName, geocacheTerrain,
+             geocacheDifficulty, geocacheType, geocacheHint, geocacheName, sensor);
+    clearAll(hr, cadence, temp, distance, proximity);
 }
 
 void GPXFileImporter::addWaypoint() {
     if (!sends(transferKind::waypoints)) {
         return;
     }
-    scratch.removeAll();
-    addText(scratch, extras::comment, comment.isPresent ? comment : geocacheName);
+    const Emptied whenDone(scratch);
+    addText(scratch, extras::comment, comment.isPresent() ? comment : geocacheName);
     addText(scratch, extras::description, description);
     addText(scratch, extras::name, name);
     addText(scratch, extras::symbol, symbol);
@@ -71,7 +77,7 @@ void GPXFileImporter::addWaypoint() {
     addText(scratch, extras::geocacheType, geocacheType);
     addText(scratch, extras::geocacheOwner, geocacheOwner);
     addText(scratch, extras::geocacheHint, geocacheHint);
-    addFloat(scratch, extras::proximity, proximity);
+    addNumber(scratch, extras::proximity, proximity);
     output->wayPoint(currentPoint.read(), &scratch);
     clearPoint();
 }
@@ -80,9 +86,9 @@ void GPXFileImporter::startRoute() {
     if (!sends(transferKind::routes) || routeStarted) {
         return;
     }
-    scratch.removeAll();
+    const Emptied whenDone(scratch);
     addText(scratch, extras::name, name);
-    addNumber(scratch, number);
+    addIndex(scratch, number);
     output->newRoute(unlessEmpty(scratch));
     routeStarted = true;
 }
@@ -91,7 +97,7 @@ void GPXFileImporter::addRoutePoint() {
     if (!sends(transferKind::routes)) {
         return;
     }
-    scratch.removeAll();
+    const Emptied whenDone(scratch);
     addText(scratch, extras::comment, comment);
     addText(scratch, extras::description, description);
     addText(scratch, extras::name, name);
@@ -104,7 +110,7 @@ void GPXFileImporter::addRoutePoint() {
 
 void GPXFileImporter::startTrk() noexcept {
     trackStarted = false;
-    courseIndex = 0;
+    courseIndex.clear();
     isCourse = 0;
 }
 
@@ -113,12 +119,12 @@ void GPXFileImporter::startTrkSeg() {
         return;
     }
     if (!trackStarted) {
-        scratch.removeAll();
+        const Emptied whenDone(scratch);
         addText(scratch, extras::name, name);
         addText(scratch, extras::description, description);
-        addNumber(scratch, number);
+        addIndex(scratch, number);
         if (isCourse != 0) {
-            scratch.set(extras::courseIndex, Value(courseIndex));
+            scratch.set(extras::courseIndex, Value(courseIndex.value()));
         }
         output->newTrack(unlessEmpty(scratch));
         trackStarted = true;
@@ -130,12 +136,12 @@ void GPXFileImporter::addTrkPt() {
     if (!sends(transferKind::tracks)) {
         return;
     }
-    scratch.removeAll();
-    addInt(scratch, extras::hr, hr);
-    addInt(scratch, extras::cadence, cadence);
-    addFloat(scratch, extras::distance, distance);
+    const Emptied whenDone(scratch);
+    addNumber(scratch, extras::hr, hr);
+    addNumber(scratch, extras::cadence, cadence);
+    addNumber(scratch, extras::distance, distance);
     addText(scratch, extras::sensor, sensor);
-    addFloat(scratch, extras::temp, temp);
+    addNumber(scratch, extras::temp, temp);
     // Not cleared: what was collected stays until the next point starts.
     output->trackPoint(currentPoint.read(), unlessEmpty(scratch));
 }

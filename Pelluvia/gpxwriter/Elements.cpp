@@ -9,10 +9,15 @@
 namespace pelluvia {
 
 void writeEscaped(OutputFile &file, const char *text) {
-    constexpr std::size_t capacity = 512;
-    char *const begin = file.reserve(capacity);
-    SkerryCStringByMakingStandardXMLEntities(begin, text, capacity);
-    file.commit(begin + std::strlen(begin));
+    TextCursor cursor(file.reserve(escapedCapacity));
+    appendEscaped(cursor, text);
+    file.commit(cursor.position());
+}
+
+void appendEscaped(TextCursor &text, const char *value) noexcept {
+    char *const begin = text.position();
+    SkerryCStringByMakingStandardXMLEntities(begin, value, escapedCapacity);
+    text = TextCursor(begin + std::strlen(begin));
 }
 
 void writeIntegerBetween(OutputFile &file, std::string_view before, std::int32_t value,

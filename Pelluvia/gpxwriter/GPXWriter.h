@@ -4,6 +4,7 @@
 #include <Pelluvia/platform/Dictionary.h>
 #include <Pelluvia/platform/Export.h>
 #include <Pelluvia/platform/OutputFile.h>
+#include <Pelluvia/platform/TimestampText.h>
 
 #include <cstdint>
 #include <memory>
@@ -54,6 +55,7 @@ struct GPXDocument {
     std::unique_ptr<OutputFile> file;  ///< The output; never null.
     /// The data-only points of the open segment, written when the segment ends.
     std::string segmentExtensions;
+    TimestampText timestamps; ///< Writes all times of the document; remembers their day.
 };
 
 /// The handle of an open document, owned by who called `GPXCreate`.

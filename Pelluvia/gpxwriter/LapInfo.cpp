@@ -111,8 +111,8 @@ void writeExtras(OutputFile &file, const Dictionary *extras) {
 }
 
 /// The lap's end points, where they have a position, and its start time.
-void writePlaceAndTime(OutputFile &file, const GPSPoint &start, const GPSPoint &end) {
-    TextCursor text(file.reserve(2 * largestPosition + largestTimestamp + 64));
+void writePlaceAndTime(GPXDocument &document, const GPSPoint &start, const GPSPoint &end) {
+    TextCursor text(document.file->reserve(2 * largestPosition + largestTime + 64));
     if (start.latitude < dataOnlyLatitude) {
         appendPosition(text, "\t<startPoint", start.latitude, start.longitude);
         text.literal("/>\n");
@@ -122,9 +122,12 @@ void writePlaceAndTime(OutputFile &file, const GPSPoint &start, const GPSPoint &
         text.literal("/>\n");
     }
     text.literal("\t<startTime>");
-    appendTimestamp(text, brokenDownTime(start.time).value_or(CivilTime()));
+    // The element stands in any case, for a time that cannot be broken down with that of no time.
+    if (!text.timestamp(document.timestamps, start.time)) {
+        text.literal("1970-01-01T00:00:00Z");
+    }
     text.literal("</startTime>\n");
-    file.commit(text.position());
+    document.file->commit(text.position());
 }
 
 } // namespace
@@ -141,7 +144,7 @@ void GPXWriteLapInfo(GPXRef document, GPSPoint start, GPSPoint end, const Dictio
     if (getIntFromDictionaryIfPresent(extras, extras::index, &index) != 0) {
         writeIntegerBetween(file, "\t<index>", index, "</index>\n");
     }
-    writePlaceAndTime(file, start, end);
+    writePlaceAndTime(*document, start, end);
     writeExtras(file, extras);
     file.write("</gpxdata:lap>\n");
 }

@@ -36,7 +36,7 @@ void collectDataPoint(GPXDocument &document, std::int64_t time, const Dictionary
     TextCursor text(buffer.data());
     text.literal("<gpxdata:dataPt xmlns=\"" PELLUVIA_GPXDATA_NAMESPACE "\">");
     // Time before elevation, the other way round than in trkpt: the order is part of the format.
-    appendTime(text, time);
+    appendTime(text, document.timestamps, time);
     appendElevation(text, altitude);
     const char *const extensions = text.position();
     appendPointExtensions(text, extras, false);
@@ -70,7 +70,7 @@ void GPXWriteTrackPoint(GPXRef document, std::int64_t time, const Dictionary *ex
     appendPosition(text, "\t<trkpt", latitude, longitude);
     text.literal(">");
     appendElevation(text, altitude);
-    appendTime(text, time);
+    appendTime(text, document->timestamps, time);
     if (extras != nullptr) {
         appendExtensions(text, *extras);
     }

@@ -28,48 +28,40 @@ struct Geocache {
     }
 };
 
-void writeGeocache(GPXRef document, const Geocache &cache) {
-    document->file->write("<geocache:cache xmlns=\"" PELLUVIA_GEOCACHE_NAMESPACE "\">\n");
-    GPXWriteElementWithStringIfNotEmpty(document, "owner", cache.owner);
-    GPXWriteElementWithStringIfNotEmpty(document, "difficulty", cache.difficulty);
-    GPXWriteElementWithStringIfNotEmpty(document, "terrain", cache.terrain);
-    GPXWriteElementWithStringIfNotEmpty(document, "type", cache.type);
-    document->file->write("</geocache:cache>\n");
+void appendGeocache(TextCursor &text, const Geocache &cache) noexcept {
+    text.literal("<geocache:cache xmlns=\"" PELLUVIA_GEOCACHE_NAMESPACE "\">\n");
+    appendElementIfGiven(text, "owner", cache.owner);
+    appendElementIfGiven(text, "difficulty", cache.difficulty);
+    appendElementIfGiven(text, "terrain", cache.terrain);
+    appendElementIfGiven(text, "type", cache.type);
+    text.literal("</geocache:cache>\n");
 }
 
-void writeExtensions(GPXRef document, const Dictionary *extras) {
+void appendExtensions(TextCursor &text, const Dictionary *extras) noexcept {
     const Geocache cache(extras);
     const float proximity = getFloatFromDictionary(extras, extras::proximity);
     const bool hasProximity = proximity != 0.0F;
     if (!cache.isGiven() && !hasProximity) {
         return;
     }
-    document->file->write("<extensions>");
+    text.literal("<extensions>");
     if (hasProximity) {
-        writeFixedBetween(*document->file,
-                          "<gpxdata:proximity xmlns=\"" PELLUVIA_GPXDATA_NAMESPACE "\">",
-                          double{proximity}, "</gpxdata:proximity>\n");
+        text.literal("<gpxdata:proximity xmlns=\"" PELLUVIA_GPXDATA_NAMESPACE "\">");
+        text.fixed(double{proximity}).literal("</gpxdata:proximity>\n");
     }
     if (cache.isGiven()) {
-        writeGeocache(document, cache);
+        appendGeocache(text, cache);
     }
-    document->file->write("</extensions>\n");
+    text.literal("</extensions>\n");
 }
 
-/// The first line's part that is not an element of text: position, elevation and time.
-void writePointStart(GPXRef document, std::int64_t time, double latitude, double longitude,
-                     double altitude) {
-    TextCursor text(document->file->reserve(largestPosition + largestElevation + largestTime));
-    if (document->inRoute) {
-        appendPosition(text, "\t<rtept", latitude, longitude);
-    } else {
-        appendPosition(text, "<wpt", latitude, longitude);
-    }
-    text.literal(">");
-    appendElevation(text, altitude);
-    appendTime(text, time);
-    document->file->commit(text.position());
-}
+constexpr std::size_t textElements = 8; // four of the point, four of its geocache
+constexpr std::size_t largestWayPoint = 8 * 1024;
+static_assert(largestPosition + largestElevation + largestTime + textElements * largestTextElement +
+                  maxFixedText + sizeof PELLUVIA_GPXDATA_NAMESPACE +
+                  sizeof PELLUVIA_GEOCACHE_NAMESPACE + 512 <=
+              largestWayPoint);
+static_assert(largestWayPoint <= OutputFile::largestReservation);
 
 } // namespace
 
@@ -77,13 +69,26 @@ void GPXWriteWayPoint(GPXRef document, std::int64_t time, const char *name, cons
                       const char *comment, const char *symbol, const Dictionary *extras,
                       double latitude, double longitude, double altitude) {
     GPXWriteTrackEnd(document);
-    writePointStart(document, time, latitude, longitude, altitude);
-    GPXWriteElementWithStringIfNotEmpty(document, "name", name);
-    GPXWriteElementWithStringIfNotEmpty(document, "cmt", comment);
-    GPXWriteElementWithStringIfNotEmpty(document, "sym", symbol);
-    GPXWriteElementWithStringIfNotEmpty(document, "type", type);
-    writeExtensions(document, extras);
-    document->file->write(document->inRoute ? "</rtept>\n" : "</wpt>\n");
+    TextCursor text(document->file->reserve(largestWayPoint));
+    if (document->inRoute) {
+        appendPosition(text, "\t<rtept", latitude, longitude);
+    } else {
+        appendPosition(text, "<wpt", latitude, longitude);
+    }
+    text.literal(">");
+    appendElevation(text, altitude);
+    appendTime(text, document->timestamps, time);
+    appendElementIfGiven(text, "name", name);
+    appendElementIfGiven(text, "cmt", comment);
+    appendElementIfGiven(text, "sym", symbol);
+    appendElementIfGiven(text, "type", type);
+    appendExtensions(text, extras);
+    if (document->inRoute) {
+        text.literal("</rtept>\n");
+    } else {
+        text.literal("</wpt>\n");
+    }
+    document->file->commit(text.position());
 }
 
 } // namespace pelluvia

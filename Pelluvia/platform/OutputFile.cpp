@@ -13,10 +13,6 @@ namespace pelluvia {
 
 namespace {
 
-// Large enough that the cost of a system call a block no longer shows.
-constexpr std::size_t bufferSize = 256 * 1024;
-static_assert(OutputFile::largestReservation < bufferSize);
-
 std::error_code lastError() {
     return {errno, std::generic_category()};
 }
@@ -90,7 +86,7 @@ OutputFile::~OutputFile() {
     close();
 }
 
-void OutputFile::write(std::string_view bytes) {
+void OutputFile::writeThrough(std::string_view bytes) {
     while (!bytes.empty()) {
         if (used_ == bufferSize) {
             flush();

@@ -42,7 +42,12 @@ class PELLUVIA_EXPORT OutputFile {
     ~OutputFile();
 
     /// Appends the bytes, any number.
-    void write(std::string_view bytes);
+    void write(std::string_view bytes) {
+        if (bytes.size() > bufferSize - used_) {
+            return writeThrough(bytes);
+        }
+        used_ += bytes.copy(buffer_.get() + used_, bytes.size());
+    }
 
     /// At least `size` bytes (at most `largestReservation`) to write into directly; `commit` says
     /// where writing ended. For code that formats many small pieces with one bounds check.
@@ -64,7 +69,14 @@ class PELLUVIA_EXPORT OutputFile {
     static constexpr std::size_t largestReservation = 16 * 1024;
 
   private:
+    // Large enough that the cost of a system call a block no longer shows.
+    static constexpr std::size_t bufferSize = 256 * 1024;
+    static_assert(largestReservation < bufferSize);
+
     OutputFile();
+
+    /// Appends bytes that do not fit the buffer, which is written each time it is full.
+    void writeThrough(std::string_view bytes);
 
     std::unique_ptr<char[]> buffer_;
     std::size_t used_ = 0;

@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cfloat>
 #include <charconv>
+#include <cstring>
 #include <limits>
 #include <system_error>
 #include <type_traits>
@@ -21,6 +23,12 @@ bool isDigit(char c) noexcept {
 std::size_t digitRun(std::string_view text) noexcept {
     const auto end = std::find_if_not(text.begin(), text.end(), isDigit);
     return static_cast<std::size_t>(end - text.begin());
+}
+
+/// The same as `leadingWhiteSpace`. Nearly every text begins with its number.
+std::size_t spaceBefore(std::string_view text) noexcept {
+    const bool startsVisibly = !text.empty() && text[0] > ' ' && text[0] < '\x7F';
+    return startsVisibly ? 0 : leadingWhiteSpace(text);
 }
 
 /// A decimal number at the start of a text, taken apart.
@@ -108,20 +116,41 @@ struct Integer {
 
 Integer integerPrefix(std::string_view text) noexcept {
     const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
-    constexpr std::int64_t cap = std::int64_t{1} << 32;
-    std::int64_t magnitude = 0;
-    std::size_t position = sign;
-    for (; position < text.size() && isDigit(text[position]); ++position) {
-        magnitude = std::min(magnitude * 10 + (text[position] - '0'), cap);
-    }
-    if (position == sign) {
-        return {};
-    }
     const bool negative = sign == 1 && text[0] == '-';
     using Limits = std::numeric_limits<std::int32_t>;
+    constexpr std::int64_t cap = std::int64_t{1} << 32;
+    std::int64_t magnitude = 0;
+    std::size_t end = sign;
+    for (; end < text.size() && isDigit(text[end]); ++end) {
+        magnitude = std::min(magnitude * 10 + (text[end] - '0'), cap);
+    }
+    if (end == sign) {
+        return {};
+    }
     const std::int64_t value =
         std::clamp<std::int64_t>(negative ? -magnitude : magnitude, Limits::min(), Limits::max());
-    return {position, static_cast<std::int32_t>(value)};
+    return {end, static_cast<std::int32_t>(value)};
+}
+
+/// The number of eight bytes that are all digits; nothing for others. The bytes are worked on at
+/// once in one word: as single digits, then as pairs, then as fours.
+std::optional<std::uint64_t> eightDigits(const char *text) noexcept {
+    if constexpr (std::endian::native != std::endian::little) {
+        return std::nullopt; // the digit that counts most must be the lowest byte
+    }
+    std::uint64_t word = 0;
+    std::memcpy(&word, text, sizeof word);
+    // The high half of a digit is 3, and stays it when 6 is added to the low half.
+    constexpr std::uint64_t highHalves = 0xF0F0'F0F0'F0F0'F0F0;
+    constexpr std::uint64_t threes = 0x3030'3030'3030'3030;
+    constexpr std::uint64_t sixes = 0x0606'0606'0606'0606;
+    if ((word & highHalves) != threes || ((word + sixes) & highHalves) != threes) {
+        return std::nullopt;
+    }
+    word -= threes;
+    word = (word * 10 + (word >> 8)) & 0x00FF'00FF'00FF'00FF;
+    word = (word * 100 + (word >> 16)) & 0x0000'FFFF'0000'FFFF;
+    return (word * 10'000 + (word >> 32)) & 0xFFFF'FFFF;
 }
 
 /// The decimal numbers of GPS data mostly have few digits and no exponent. When their digits and
@@ -141,24 +170,28 @@ struct ShortDecimal {
 
     explicit ShortDecimal(std::string_view text) noexcept {
         const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
+        // Where this overflows there are too many digits, which is looked at below.
         std::uint64_t digits = 0;
         std::size_t position = sign;
-        const auto takeDigits = [&] {
-            const std::size_t start = position;
-            const std::size_t end = std::min(text.size(), start + mostDigits + 1);
-            for (; position < end && isDigit(text[position]); ++position) {
-                digits = digits * 10 + static_cast<std::uint64_t>(text[position] - '0');
-            }
-            return position - start;
-        };
-        const std::size_t whole = takeDigits();
-        if (whole > mostDigits) {
-            return;
+        for (; position < text.size() && isDigit(text[position]); ++position) {
+            digits = digits * 10 + static_cast<std::uint64_t>(text[position] - '0');
         }
+        const std::size_t whole = position - sign;
         std::size_t fraction = 0;
         if (position < text.size() && text[position] == '.') {
-            ++position;
-            fraction = takeDigits();
+            const std::size_t start = ++position;
+            while (text.size() - position >= 8) {
+                const std::optional<std::uint64_t> eight = eightDigits(text.data() + position);
+                if (!eight) {
+                    break;
+                }
+                digits = digits * 100'000'000 + *eight;
+                position += 8;
+            }
+            for (; position < text.size() && isDigit(text[position]); ++position) {
+                digits = digits * 10 + static_cast<std::uint64_t>(text[position] - '0');
+            }
+            fraction = position - start;
         }
         const bool hasExponent =
             position < text.size() && (text[position] == 'e' || text[position] == 'E');
@@ -185,7 +218,7 @@ struct ShortDecimal {
 template <class Float>
 std::optional<Float> scanDecimal(std::string_view text, std::size_t &position) noexcept {
     const std::string_view rest = text.substr(position);
-    const std::size_t space = leadingWhiteSpace(rest);
+    const std::size_t space = spaceBefore(rest);
     if (const ShortDecimal<Float> number(rest.substr(space)); number.length != 0) {
         position += space + number.length;
         return number.value;
@@ -217,7 +250,7 @@ std::optional<double> Scanner::scanDouble() noexcept {
 }
 
 std::optional<std::int32_t> Scanner::scanInt() noexcept {
-    const std::size_t space = leadingWhiteSpace(remaining());
+    const std::size_t space = spaceBefore(remaining());
     const Integer integer = integerPrefix(remaining().substr(space));
     if (integer.length == 0) {
         return std::nullopt;
@@ -227,7 +260,7 @@ std::optional<std::int32_t> Scanner::scanInt() noexcept {
 }
 
 std::optional<std::uint32_t> Scanner::scanHexInt() noexcept {
-    const std::size_t space = leadingWhiteSpace(remaining());
+    const std::size_t space = spaceBefore(remaining());
     std::string_view digits = remaining().substr(space);
     std::size_t prefix = 0;
     std::uint32_t value = 0;

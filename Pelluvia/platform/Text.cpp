@@ -2,12 +2,30 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 
 namespace pelluvia {
 
 bool isASCII(std::string_view text) noexcept {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    // Eight bytes at a time, of the last ones some again.
+    constexpr std::uint64_t highBits = 0x8080'8080'8080'8080;
+    const auto wordAt = [text](std::size_t position) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + position, sizeof word);
+        return word;
+    };
+    std::uint64_t seen = 0;
+    if (text.size() < sizeof seen) {
+        for (const char c : text) {
+            seen |= static_cast<unsigned char>(c);
+        }
+        return (seen & 0x80U) == 0;
+    }
+    for (std::size_t position = 0; position + sizeof seen < text.size(); position += sizeof seen) {
+        seen |= wordAt(position);
+    }
+    return ((seen | wordAt(text.size() - sizeof seen)) & highBits) == 0;
 }
 
 namespace {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -26,26 +27,43 @@ void *allocateWithTail(std::size_t extra) {
 
 } // namespace
 
-/// An immutable string: the count of its owners, its length, and the bytes with a closing NUL.
+/// A string: the count of its owners, its length, and the bytes with a closing NUL. Immutable while
+/// it has more than one owner.
 class Value::Text : public RefCounted<Value::Text> {
   public:
-    static const Text *make(std::string_view text) {
-        void *memory = allocateWithTail<Text>(text.size() + 1);
-        return new (memory) Text(text);
+    /// With room for so many bytes, or for those of the text.
+    static Text *make(std::string_view text, std::size_t capacity = 0) {
+        capacity = std::max(capacity, text.size());
+        void *memory = allocateWithTail<Text>(capacity + 1);
+        return new (memory) Text(text, capacity);
     }
     static void operator delete(void *memory) { std::free(memory); } // NOLINT
 
     [[nodiscard]] std::string_view view() const noexcept { return {bytes(), size_}; }
+    [[nodiscard]] std::size_t capacity() const noexcept { return capacity_; }
+
+    /// Takes another text, which must fit and may be a part of this one.
+    void refill(std::string_view text) noexcept {
+        size_ = text.size();
+        if (!text.empty()) { // an empty text may be at no address
+            std::memmove(bytes(), text.data(), text.size());
+        }
+        bytes()[text.size()] = '\0';
+    }
 
   private:
-    explicit Text(std::string_view text) noexcept : size_(text.size()) {
-        *std::copy(text.begin(), text.end(), bytes()) = '\0';
+    Text(std::string_view text, std::size_t capacity) noexcept
+        : capacity_(static_cast<std::uint32_t>(std::min(capacity, largestCapacity))) {
+        refill(text);
     }
     [[nodiscard]] char *bytes() const noexcept {
         // The bytes stand behind the object in the same allocation.
         return reinterpret_cast<char *>(const_cast<Text *>(this) + 1); // NOLINT
     }
 
+    static constexpr std::size_t largestCapacity = std::numeric_limits<std::uint32_t>::max();
+
+    std::uint32_t capacity_; // less than there is for texts of more than 4 GB
     std::size_t size_;
 };
 
@@ -71,6 +89,21 @@ class Value::RecordBox : public RefCounted<Value::RecordBox> {
 Value::Value(std::string_view text) : kind_(Kind::String) {
     bits_.text = Text::make(text);
     retainObject();
+}
+
+void Value::assign(std::string_view text) {
+    if (kind_ != Kind::String || !bits_.text->hasOneOwner()) {
+        *this = Value(text);
+    } else if (text.size() <= bits_.text->capacity()) {
+        bits_.text->refill(text);
+    } else {
+        // Half as much again: a value that is filled again and again soon has room for all texts.
+        Value larger;
+        larger.bits_.text = Text::make(text, text.size() + text.size() / 2);
+        larger.kind_ = Kind::String;
+        larger.retainObject();
+        *this = std::move(larger);
+    }
 }
 
 Value::Value(Ref<Array> array) noexcept : kind_(array ? Kind::Array : Kind::Nil) {

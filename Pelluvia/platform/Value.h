@@ -74,6 +74,10 @@ class PELLUVIA_EXPORT Value {
         }
     }
 
+    /// Makes it a copy of the text, as `= Value(text)` does, in the memory of the string that it
+    /// was if no other value shares that one and the text fits.
+    void assign(std::string_view text);
+
     [[nodiscard]] Kind kind() const noexcept { return kind_; }
     [[nodiscard]] bool isNil() const noexcept { return kind_ == Kind::Nil; }
 
@@ -108,7 +112,7 @@ class PELLUVIA_EXPORT Value {
         std::int64_t integer;
         float single;
         double real;
-        const Text *text;
+        Text *text;
         const RecordBox *record;
         Array *array;
         Dictionary *dictionary;

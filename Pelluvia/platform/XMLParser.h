@@ -13,8 +13,10 @@
 namespace pelluvia {
 
 namespace xml {
-class Sax2Engine;
+class Engine;
 class Source;
+struct FileState;
+struct Reported;
 } // namespace xml
 
 /// The domain of the errors that the parser makes. Codes are those of the underlying XML library,
@@ -60,6 +62,32 @@ inline constexpr std::size_t declarationsSize = 256'000;
 inline constexpr int attributes = 500;
 } // namespace xmlLimits
 
+/// Who reads the documents.
+enum class XMLEngine {
+    /// The scanner reads what it can, which is much faster; the XML library reads what is unusual,
+    /// and finds the words for what is wrong. No delegate can tell the difference.
+    automatic,
+    /// Always the XML library.
+    libxml2
+};
+
+/// What a parse has found out about a file, for further parses of the same file: they need not look
+/// first who can read it, and fail if the file has changed in between. Nothing is known at first.
+class PELLUVIA_EXPORT XMLKnownFile {
+  public:
+    XMLKnownFile();
+    XMLKnownFile(const XMLKnownFile &);
+    XMLKnownFile &operator=(const XMLKnownFile &);
+    ~XMLKnownFile();
+
+    enum class Reader { unknown, scanner, library };
+
+  private:
+    friend class XMLParser;
+    Reader reader_ = Reader::unknown;
+    std::unique_ptr<const xml::FileState> state_;
+};
+
 /// Reads one XML 1.0 document from a file and reports it to a delegate event by event, in constant
 /// memory and always with namespaces processed.
 ///
@@ -103,6 +131,15 @@ class PELLUVIA_EXPORT XMLParser {
     /// Whether external entities are read; off at first.
     void setShouldResolveExternalEntities(bool should) noexcept;
 
+    /// Who reads the document. With the environment variable `PELLUVIA_XML_ENGINE` set to
+    /// `libxml2`, that is always the library.
+    void setEngine(XMLEngine engine) noexcept;
+
+    /// What an earlier parse has found out about the same file, by its `knownFile`.
+    void setKnownFile(const XMLKnownFile &file);
+    /// What is known about the file after the parse.
+    [[nodiscard]] const XMLKnownFile &knownFile() const noexcept;
+
     /// Parses the whole document, on the calling thread. True when it was well-formed and nobody
     /// aborted; otherwise the delegate was told of the error, once, and `parserError` returns it. A
     /// parser parses once; another call fails with the same error, or with none after a success.
@@ -124,9 +161,21 @@ class PELLUVIA_EXPORT XMLParser {
     explicit XMLParser(std::unique_ptr<xml::Source> source);
 
   private:
+    [[nodiscard]] ErrorPtr readDocument();
+    [[nodiscard]] ErrorPtr readUnknown();
+    [[nodiscard]] ErrorPtr readKnown();
+    [[nodiscard]] ErrorPtr readWithScanner();
+    [[nodiscard]] ErrorPtr readWithLibrary(xml::Reported reported);
+    [[nodiscard]] bool mayScan() const;
+    [[nodiscard]] bool fileHasChanged() const;
+    [[nodiscard]] ErrorPtr changeError();
+    [[nodiscard]] ErrorPtr abortError() const;
+
     std::unique_ptr<xml::Source> source_;
-    std::unique_ptr<xml::Sax2Engine> engine_; ///< once the parse has begun
+    std::unique_ptr<xml::Engine> engine_; ///< once the parse has begun
     XMLParserDelegate *delegate_ = nullptr;
+    XMLEngine wantedEngine_ = XMLEngine::automatic;
+    XMLKnownFile file_;
     bool resolvesExternalEntities_ = false;
     bool parsed_ = false;
     ErrorPtr error_;

@@ -1,3 +1,4 @@
+#include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/TransferKind.h>
 #include <tests/gpximport/Importing.h>
 #include <tests/support/NullReceiver.h>
@@ -8,7 +9,9 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <new>
+#include <set>
 #include <string>
+#include <vector>
 
 /// \file
 /// Counts what the C++ side of an import allocates, by replacing the operators of this program. The
@@ -59,6 +62,29 @@ std::size_t allocationsFor(int points) {
 
 TEST(Allocation, DoesNotDependOnTheNumberOfPointsWithoutTexts) {
     EXPECT_EQ(allocationsFor(10), allocationsFor(10'000));
+}
+
+/// Keeps the places of the names in memory, not the names.
+class NamePlaces : public testing::NullReceiver {
+  public:
+    void wayPoint(GPSPoint /*point*/, const Dictionary *extra) override {
+        places.push_back(extra->string(extras::name)->data());
+    }
+
+    std::vector<const char *> places;
+};
+
+TEST(Allocation, UsesTheMemoryOfATextAgainForTheNextPoint) {
+    std::string content;
+    for (int point = 10; point < 100; ++point) {
+        content += "<wpt lat='47' lon='8'><name>GC" + std::to_string(point) + "</name></wpt>";
+    }
+    const testing::TemporaryFolder folder;
+    const std::string path = folder.write("caches.gpx", testing::gpx(content));
+    const auto receiver = std::make_shared<NamePlaces>();
+    EXPECT_EQ(GPXFileImporter::initWithReceiver(receiver)->processFile(path), nullptr);
+    ASSERT_EQ(receiver->places.size(), 90U);
+    EXPECT_EQ(std::set(receiver->places.begin(), receiver->places.end()).size(), 1U);
 }
 
 } // namespace

@@ -59,6 +59,11 @@ TEST(ElementEnd, GathersTextFromTheLastStartOn) {
               "wayPoint: " + point("0", "0", "{description: \"AB\", name: \"A\"}"));
 }
 
+TEST(ElementEnd, GathersTextOfElementsThatUseNoneInsideOnesThatDo) {
+    EXPECT_EQ(waypoint("x<extensions>y<desc>no<x>A<y/>B</x>C</desc>z</extensions>"),
+              "wayPoint: " + point("0", "0", "{description: \"BC\"}"));
+}
+
 TEST(ElementEnd, EmptiesTheTextBehindNumbers) {
     EXPECT_EQ(waypoint("<desc><ele>5</ele>B</desc><cmt><time>1970-01-01T00:00:01Z</time>C</cmt>"),
               "wayPoint: " + point("5", "1", "{comment: \"C\", description: \"B\"}"));

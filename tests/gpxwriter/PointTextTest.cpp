@@ -30,7 +30,8 @@ std::string appended(std::size_t largest, Append append) {
 }
 
 std::string timeElement(std::int64_t time) {
-    return appended(largestTime, [time](TextCursor &text) { appendTime(text, time); });
+    static TimestampText timestamps; // one for all tests: what it remembers must not matter
+    return appended(largestTime, [time](TextCursor &text) { appendTime(text, timestamps, time); });
 }
 
 std::string elevation(double altitude) {
@@ -88,8 +89,6 @@ TEST(TimeElement, IsLeftOutWhenTheYearCannotBeBrokenDown) {
     EXPECT_EQ(timeElement(firstBrokenDown - 1), "");
     EXPECT_EQ(timeElement(highest), "");
     EXPECT_EQ(timeElement(lowest), "");
-    EXPECT_FALSE(brokenDownTime(highest));
-    EXPECT_EQ(brokenDownTime(0), CivilTime());
 }
 
 TEST(TimeElement, AgreesWithTheCLibrary) {

@@ -143,6 +143,30 @@ TEST(NumberText, WritesNeighboursOfPowersOfTenAsPrintfDoes) {
     }
 }
 
+TEST(NumberText, WritesNeighboursOfPowersOfTwoAsPrintfDoes) {
+    // Among them the last numbers that are written in fixed point, and those whose shift is
+    // longest.
+    for (int exponent = -1074; exponent < 1024; ++exponent) {
+        const double power = std::ldexp(1.0, exponent);
+        for (const double value : {power, std::nextafter(power, 0.0),
+                                   std::nextafter(power, std::numeric_limits<double>::max()),
+                                   power * 1.5, power * 1.9999999999}) {
+            ASSERT_NO_FATAL_FAILURE(compare(value));
+            ASSERT_NO_FATAL_FAILURE(compare(-value));
+        }
+    }
+}
+
+TEST(NumberText, CarriesThroughAllDigitsAsPrintfDoes) {
+    for (double nines = 9.9999999995e-6; nines < 1e13; nines *= 10) {
+        double value = nines;
+        for (int step = 0; step < 2000; ++step) {
+            ASSERT_NO_FATAL_FAILURE(compare(value));
+            value = std::nextafter(value, step < 1000 ? 0.0 : 1e300);
+        }
+    }
+}
+
 TEST(NumberText, WritesTheEdgesAsPrintfDoes) {
     using Limits = std::numeric_limits<double>;
     for (const double value : {0.0,

@@ -51,6 +51,25 @@ TEST(ShortDecimal, AgreesWithTheCLibraryForAllCountsOfDigits) {
     }
 }
 
+TEST(ShortDecimal, TakesNothingButDigitsForDigits) {
+    // Eight decimals are looked at together: each other byte at each of their places ends the
+    // number.
+    for (std::size_t place = 0; place < 8; ++place) {
+        for (int byte = 0; byte < 256; ++byte) {
+            const char other = static_cast<char>(byte);
+            if ((other >= '0' && other <= '9') || other == 'e' || other == 'E') {
+                continue;
+            }
+            std::string text = "7.12345678912";
+            text[2 + place] = other;
+            Scanner scanner(text);
+            expectSameBits(scanner.scanDouble().value_or(-1),
+                           std::strtod(text.substr(0, 2 + place).c_str(), nullptr), text);
+            EXPECT_EQ(scanner.scanLocation(), 2 + place) << byte;
+        }
+    }
+}
+
 TEST(ShortDecimal, AgreesWithTheCLibraryWithLeadingZeros) {
     std::mt19937_64 random(8);
     for (int zeros = 0; zeros <= 30; ++zeros) {

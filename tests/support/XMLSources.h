@@ -29,6 +29,9 @@ class TextSource final : public xml::Source {
         position_ += count;
         return count == 0 && failure_ != 0 ? -failure_ : static_cast<ssize_t>(count);
     }
+    [[nodiscard]] std::unique_ptr<xml::Source> again() const override {
+        return std::make_unique<TextSource>(text_, step_, failure_);
+    }
 
   private:
     std::string text_;

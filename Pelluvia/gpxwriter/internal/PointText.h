@@ -1,21 +1,15 @@
 #pragma once
 
 #include <Pelluvia/gpxwriter/internal/TextCursor.h>
-#include <Pelluvia/platform/Calendar.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 
 /// \file
 /// The parts that points have in common. Each function appends at most as many bytes as the
 /// constant before it says.
 
 namespace pelluvia {
-
-/// The time broken down in UTC, or nothing when its year less 1900 is beyond a 32-bit integer: no
-/// reader that takes a C `struct tm` could hold it.
-[[nodiscard]] std::optional<CivilTime> brokenDownTime(std::int64_t time) noexcept;
 
 inline constexpr std::size_t largestPosition = 2 * maxGeneralText + 32;
 /// `<element lat="..." lon="..."`: the element's start, with its quote, is given, the tag stays
@@ -31,12 +25,8 @@ inline constexpr std::size_t largestElevation = maxFixedText + 16;
 /// The elevation element; nothing when the altitude is 0.0.
 void appendElevation(TextCursor &text, double altitude) noexcept;
 
-inline constexpr std::size_t largestTimestamp = 6 * (maxIntegerText + 1);
-/// Date and time as points and laps write them.
-void appendTimestamp(TextCursor &text, const CivilTime &time) noexcept;
-
-inline constexpr std::size_t largestTime = largestTimestamp + 16;
+inline constexpr std::size_t largestTime = TimestampText::maxSize + 16;
 /// The time element; nothing when the time is 0 or cannot be broken down.
-void appendTime(TextCursor &text, std::int64_t time) noexcept;
+void appendTime(TextCursor &text, TimestampText &timestamps, std::int64_t time) noexcept;
 
 } // namespace pelluvia

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Pelluvia/platform/NumberText.h>
+#include <Pelluvia/platform/TimestampText.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -49,6 +50,12 @@ class TextCursor {
     TextCursor &general(double value) noexcept {
         position_ = writeGeneral(position_, value);
         return *this;
+    }
+    /// Date and time in UTC; false, and nothing is appended, when the time cannot be broken down.
+    [[nodiscard]] bool timestamp(TimestampText &timestamps, std::int64_t time) noexcept {
+        char *end = timestamps.write(position_, time);
+        position_ = end != nullptr ? end : position_;
+        return end != nullptr;
     }
 
   private:

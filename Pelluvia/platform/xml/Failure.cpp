@@ -53,6 +53,10 @@ bool isControl(char c) {
 
 } // namespace
 
+Failure abortFailure() {
+    return {NSXMLParserDelegateAbortedParseError, "The parse was aborted."};
+}
+
 ErrorPtr makeError(const Failure &failure, Position position) {
     return Error::make(NSXMLParserErrorDomain, failure.code,
                        {{std::string(NSLocalizedDescriptionKey), oneLine(failure.message)},

@@ -20,6 +20,9 @@ struct Position {
     std::int64_t column = 0;
 };
 
+/// The failure of a parse that the delegate has aborted.
+[[nodiscard]] Failure abortFailure();
+
 /// The error object that a parser reports.
 [[nodiscard]] ErrorPtr makeError(const Failure &failure, Position position);
 

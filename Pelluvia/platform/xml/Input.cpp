@@ -47,15 +47,19 @@ bool Input::fill() {
         std::memmove(buffer_.get(), unread_.data(), unread_.size());
     }
     const std::size_t kept = unread_.size();
-    const ssize_t count = source_.read(buffer_.get() + kept, bufferSize - kept);
-    const std::size_t added = count > 0 ? static_cast<std::size_t>(count) : 0;
+    const std::size_t added = readSource(buffer_.get() + kept, bufferSize - kept);
     unread_ = std::string_view(buffer_.get(), kept + added);
-    sourceEnded_ = added == 0;
+    return added != 0;
+}
+
+std::size_t Input::readSource(char *to, std::size_t room) {
+    const ssize_t count = sourceEnded_ ? 0 : source_.read(to, room);
+    sourceEnded_ = count <= 0;
     if (count < 0) {
         failure_ = Failure{XML_IO_LOAD_ERROR,
                            "The file cannot be read: " + systemReason(static_cast<int>(-count))};
     }
-    return added != 0;
+    return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
 std::size_t Input::read(char *to, std::size_t room) {
@@ -71,9 +75,10 @@ std::size_t Input::read(char *to, std::size_t room) {
 }
 
 std::size_t Input::copy(char *to, std::size_t room) {
-    if (unread_.empty() && !fill()) {
-        finished_ = true;
-        return 0;
+    if (unread_.empty()) {
+        const std::size_t size = readSource(to, room);
+        finished_ = size == 0;
+        return size;
     }
     const std::size_t size = std::min(room, unread_.size());
     std::memcpy(to, unread_.data(), size);

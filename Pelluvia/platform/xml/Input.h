@@ -41,6 +41,7 @@ class Input {
 
   private:
     [[nodiscard]] bool fill();
+    [[nodiscard]] std::size_t readSource(char *to, std::size_t room);
     [[nodiscard]] std::size_t convert(char *to, std::size_t room);
     [[nodiscard]] std::size_t copy(char *to, std::size_t room);
     [[nodiscard]] std::size_t unifyLineEnds(char *text, std::size_t size);

@@ -1,5 +1,6 @@
 #include <Pelluvia/platform/xml/Sax2Engine.h>
 
+#include <algorithm>
 #include <libxml/SAX2.h>
 
 /// \file
@@ -24,6 +25,16 @@ inline void Sax2Engine::fill(XMLElement &element, const xmlChar *localName, cons
     element.prefix = NameTable::text(prefix);
 }
 
+/// Whether the delegate was told before of the tag that has come.
+inline bool Sax2Engine::wasReported() noexcept {
+    if (reported_.tags == 0) {
+        reported_.text = 0; // where that tag comes, the text is over
+        return false;
+    }
+    --reported_.tags;
+    return true;
+}
+
 inline void Sax2Engine::startElement(const xmlParserCtxt &context, const xmlChar *localName,
                                      const xmlChar *prefix, const xmlChar *uri,
                                      std::span<const xmlChar *> namespaces,
@@ -42,6 +53,9 @@ inline void Sax2Engine::startElement(const xmlParserCtxt &context, const xmlChar
     }
     XMLElement &element = open_[depth_++];
     fill(element, localName, prefix, uri);
+    if (wasReported()) {
+        return;
+    }
     if (namesOnly_) {
         if (!stopped_) {
             delegate_.didStartElement(parser_, element, XMLAttributes());
@@ -77,13 +91,27 @@ inline XMLAttributes Sax2Engine::collect(std::span<const Attribute> attributes) 
 
 inline void Sax2Engine::endElement() {
     textSize_ = 0;
-    delegate_.didEndElement(parser_, open_[--depth_]);
+    const XMLElement &element = open_[--depth_];
+    if (!wasReported()) {
+        delegate_.didEndElement(parser_, element);
+    }
 }
 
 inline void Sax2Engine::characters(std::string_view text) {
     textSize_ += text.size();
     if (textSize_ > xmlLimits::textSize) {
         return fail({XML_ERR_INTERNAL_ERROR, "Text too long"});
+    }
+    if (reported_.tags != 0) {
+        return;
+    }
+    if (reported_.text != 0) {
+        const std::uint64_t told = std::min<std::uint64_t>(reported_.text, text.size());
+        reported_.text -= told;
+        text.remove_prefix(told);
+        if (text.empty()) {
+            return;
+        }
     }
     delegate_.foundCharacters(parser_, text);
 }

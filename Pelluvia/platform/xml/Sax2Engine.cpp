@@ -7,11 +7,12 @@
 namespace pelluvia::xml {
 
 Sax2Engine::Sax2Engine(XMLParser &parser, Source &source, XMLParserDelegate *delegate,
-                       bool resolvesExternalEntities)
+                       bool resolvesExternalEntities, Reported reported)
     : parser_(parser),
       delegate_(delegate != nullptr ? *delegate : nobody_),
       namesOnly_(delegate == nullptr || delegate->wantsElementNamesOnly()),
       resolvesExternalEntities_(resolvesExternalEntities),
+      reported_(reported),
       input_(source),
       externalEntities_(source) {}
 
@@ -75,10 +76,10 @@ void Sax2Engine::finish() {
 }
 
 void Sax2Engine::abort() {
-    fail({NSXMLParserDelegateAbortedParseError, "The parse was aborted."});
+    fail(abortFailure());
 }
 
-Position Sax2Engine::position() const noexcept {
+Position Sax2Engine::place() const noexcept {
     if (stopped_ || documentInput_ == nullptr) {
         return position_;
     }
@@ -97,7 +98,7 @@ void Sax2Engine::failForAttributes() {
 }
 
 void Sax2Engine::stop() noexcept {
-    position_ = position();
+    position_ = place();
     stopped_ = true;
 }
 

@@ -2,6 +2,7 @@
 
 #include <Pelluvia/platform/XMLParser.h>
 #include <Pelluvia/platform/XMLParserDelegate.h>
+#include <Pelluvia/platform/xml/Engine.h>
 #include <Pelluvia/platform/xml/EntityBudget.h>
 #include <Pelluvia/platform/xml/ExternalEntities.h>
 #include <Pelluvia/platform/xml/Failure.h>
@@ -31,20 +32,18 @@ namespace pelluvia::xml {
 ///
 /// The text of an entity is parsed by the library in a context of its own; so `context` in what
 /// follows is not always the context of the document.
-class Sax2Engine {
+class Sax2Engine final : public Engine {
   public:
+    /// A parse of `source`, which must be open and outlive it. What was reported before is not
+    /// reported again.
     Sax2Engine(XMLParser &parser, Source &source, XMLParserDelegate *delegate,
-               bool resolvesExternalEntities);
-    Sax2Engine(const Sax2Engine &) = delete;
-    Sax2Engine &operator=(const Sax2Engine &) = delete;
-    ~Sax2Engine();
+               bool resolvesExternalEntities, Reported reported = {});
+    ~Sax2Engine() override;
 
     /// Parses; returns the error that ended it, or null. Throws what the delegate has thrown.
     [[nodiscard]] ErrorPtr run();
-    /// Ends the parse; harmless when it has ended.
-    void abort();
-    /// Where the parse stands in the document, or ended.
-    [[nodiscard]] Position position() const noexcept;
+    void abort() override;
+    [[nodiscard]] Position position() override { return place(); }
 
   private:
     /// An attribute as libxml2 passes it.
@@ -60,6 +59,8 @@ class Sax2Engine {
         }
     };
 
+    [[nodiscard]] Position place() const noexcept;
+
     struct Callbacks; ///< the functions that libxml2 calls
     [[nodiscard]] xmlSAXHandler handler() const;
     [[nodiscard]] xmlParserCtxtPtr newContext();
@@ -69,6 +70,7 @@ class Sax2Engine {
     [[nodiscard]] std::size_t read(char *to, std::size_t room);
     void libraryError(xmlParserCtxtPtr context, const xmlError &error);
 
+    [[nodiscard]] bool wasReported() noexcept;
     void startElement(const xmlParserCtxt &context, const xmlChar *localName, const xmlChar *prefix,
                       const xmlChar *uri, std::span<const xmlChar *> namespaces,
                       std::span<const Attribute> attributes, std::size_t defaulted);
@@ -101,6 +103,7 @@ class Sax2Engine {
     XMLParserDelegate &delegate_;
     const bool namesOnly_;
     const bool resolvesExternalEntities_;
+    Reported reported_; ///< what of it is still to come
 
     Input input_;
     xmlParserCtxtPtr context_ = nullptr;        ///< of the document

@@ -1,0 +1,128 @@
+#include <Pelluvia/platform/XMLParser.h>
+#include <Pelluvia/platform/xml/scan/Bytes.h>
+#include <Pelluvia/platform/xml/scan/ElementTree.h>
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+
+namespace pelluvia::xml::scan {
+
+namespace {
+
+constexpr std::string_view xmlURI = "http://www.w3.org/XML/1998/namespace";
+constexpr std::string_view xmlnsURI = "http://www.w3.org/2000/xmlns/";
+
+/// The prefix that an attribute declares.
+std::string_view declaredPrefix(const StartTag::Attribute &declaration) noexcept {
+    return declaration.name.prefix.empty() ? std::string_view() : declaration.name.local;
+}
+
+/// No rule of its own applies to the declaration.
+bool isUsual(const StartTag::Attribute &declaration) noexcept {
+    const std::string_view prefix = declaredPrefix(declaration);
+    const std::string_view uri = declaration.text();
+    return prefix != "xml" && prefix != "xmlns" && uri != xmlURI && uri != xmlnsURI &&
+           (!uri.empty() || prefix.empty()) && declaration.isPlain &&
+           uri.find(' ') == std::string_view::npos && uri.size() <= ElementTree::longestName;
+}
+
+bool isUsual(const StartTag &tag) noexcept {
+    return tag.name.prefix != "xml" && tag.name.prefix != "xmlns" &&
+           tag.name.whole.size() <= ElementTree::longestName &&
+           std::all_of(tag.declarations.begin(), tag.declarations.end(),
+                       [](const StartTag::Attribute &each) { return isUsual(each); });
+}
+
+/// The URI that the prefix stands for within the element; empty for none.
+std::string_view uriOf(std::string_view prefix, const Element *element) noexcept {
+    for (; element != nullptr; element = element->parent) {
+        for (const Declaration &each : element->declarations) {
+            if (each.prefix == prefix) {
+                return each.uri;
+            }
+        }
+    }
+    return {};
+}
+
+/// The name and the declarations, with bytes between them that neither can hold.
+void writeText(const StartTag &tag, std::string &text) {
+    text.assign(tag.name.whole);
+    for (const StartTag::Attribute &each : tag.declarations) {
+        text.append("\n").append(declaredPrefix(each)).append("=").append(each.text());
+    }
+}
+
+} // namespace
+
+std::size_t ElementTree::Hash::operator()(const Key &key) const {
+    return std::hash<std::string_view>()(key.text) ^
+           (std::hash<const void *>()(key.parent) * 0x9E3779B97F4A7C15U);
+}
+
+Element *ElementTree::child(Element *parent, const StartTag &tag) {
+    std::string_view text = tag.name.whole;
+    if (!tag.declarations.empty()) {
+        writeText(tag, key_);
+        text = key_;
+    }
+    if (const auto found = elements_.find({parent, text}); found != elements_.end()) {
+        return found->second.get();
+    }
+    const std::size_t depth = parent != nullptr ? parent->depth + 1 : 1;
+    const std::size_t declared =
+        (parent != nullptr ? parent->declared : 0) + tag.declarations.size();
+    if (depth > xmlLimits::depth || declared > mostDeclarations || !isUsual(tag)) {
+        return nullptr;
+    }
+    auto element = make(parent, tag);
+    element->depth = depth;
+    element->declared = declared;
+    textSize_ += element->text.size();
+    const Key key = {parent, element->text};
+    return elements_.emplace(key, std::move(element)).first->second.get();
+}
+
+std::unique_ptr<Element> ElementTree::make(Element *parent, const StartTag &tag) const {
+    auto element = std::make_unique<Element>();
+    element->parent = parent;
+    writeText(tag, element->text);
+    const std::string_view text = element->text;
+    element->qualifiedName = text.substr(0, tag.name.whole.size());
+    std::size_t at = tag.name.whole.size();
+    for (const StartTag::Attribute &each : tag.declarations) {
+        const std::string_view prefix = text.substr(at + 1, declaredPrefix(each).size());
+        at += prefix.size() + 2;
+        const std::string_view uri = text.substr(at, each.text().size());
+        at += uri.size();
+        element->declarations.push_back({prefix, uri});
+    }
+    XMLElement &name = element->name;
+    name.prefix = element->qualifiedName.substr(0, tag.name.prefix.size());
+    name.localName = element->qualifiedName.substr(tag.name.whole.size() - tag.name.local.size());
+    name.namespaceURI = uriOf(name.prefix, element.get());
+    name.nameNumber = vocabulary_.name(name.localName);
+    name.namespaceNumber = vocabulary_.uri(name.namespaceURI);
+    return element;
+}
+
+bool ElementTree::isFull() const noexcept {
+    return elements_.size() >= mostElements || textSize_ >= mostText;
+}
+
+void ElementTree::keepOnly(const Element *branch) {
+    std::vector<const Element *> kept;
+    for (; branch != nullptr; branch = branch->parent) {
+        kept.push_back(branch);
+    }
+    textSize_ = 0;
+    std::erase_if(elements_, [&](const auto &entry) {
+        const Element *const element = entry.second.get();
+        const bool goes = std::find(kept.begin(), kept.end(), element) == kept.end();
+        textSize_ += goes ? 0 : element->text.size();
+        return goes;
+    });
+}
+
+} // namespace pelluvia::xml::scan

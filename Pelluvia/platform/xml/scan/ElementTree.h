@@ -1,0 +1,77 @@
+#pragma once
+
+#include <Pelluvia/platform/XMLParserDelegate.h>
+#include <Pelluvia/platform/xml/scan/StartTag.h>
+#include <Pelluvia/platform/xml/scan/Vocabulary.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace pelluvia::xml::scan {
+
+/// A namespace declaration.
+struct Declaration {
+    std::string_view prefix; ///< empty for the default namespace
+    std::string_view uri;
+};
+
+/// An element as a place in the document: the name of a tag, what is declared there, and the place
+/// around it. All elements with the same name and declarations in the same place are one of these,
+/// so that its names are resolved once.
+struct Element {
+    Element *parent = nullptr; ///< null for a root
+    std::size_t depth = 0;     ///< 1 for a root
+    XMLElement name;           ///< resolved; as delegates get it
+    std::string_view qualifiedName;
+    std::vector<Declaration> declarations;
+    std::size_t declared = 0; ///< declarations in force: these and those around it
+    std::string text;         ///< what the views are on, but for those on other elements
+};
+
+/// The elements that were seen, each where it stands: a tree, of which the open elements are one
+/// branch.
+class ElementTree {
+  public:
+    explicit ElementTree(const Vocabulary &vocabulary) : vocabulary_(vocabulary) {}
+
+    /// The element of a start tag inside `parent` (null for a root), the same one for the same tag.
+    /// Null when it cannot be read here: it is nested too deep, or its namespaces are unusual.
+    [[nodiscard]] Element *child(Element *parent, const StartTag &tag);
+
+    /// The tree has grown as far as it may. It still grows, but should be pruned.
+    [[nodiscard]] bool isFull() const noexcept;
+    /// Forgets all elements but one and those around it.
+    void keepOnly(const Element *branch);
+
+    /// Elements that are kept at most, and the bytes of their texts.
+    static constexpr std::size_t mostElements = 2000;
+    static constexpr std::size_t mostText = 400'000;
+    /// A name or URI of more bytes is not read here, nor more declarations that are in force.
+    static constexpr std::size_t longestName = 500;
+    static constexpr std::size_t mostDeclarations = 200;
+
+  private:
+    /// What tells the children of an element apart, and theirs from others'.
+    struct Key {
+        const Element *parent;
+        std::string_view text; ///< of the element
+        [[nodiscard]] bool operator==(const Key &) const = default;
+    };
+    /// Not noexcept, although it throws nothing: the table then keeps the hashes.
+    struct Hash {
+        [[nodiscard]] std::size_t operator()(const Key &key) const;
+    };
+
+    [[nodiscard]] std::unique_ptr<Element> make(Element *parent, const StartTag &tag) const;
+
+    const Vocabulary &vocabulary_;
+    std::unordered_map<Key, std::unique_ptr<Element>, Hash> elements_;
+    std::size_t textSize_ = 0;
+    std::string key_; ///< scratch
+};
+
+} // namespace pelluvia::xml::scan

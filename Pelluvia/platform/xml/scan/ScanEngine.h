@@ -1,0 +1,109 @@
+#pragma once
+
+#include <Pelluvia/platform/XMLParser.h>
+#include <Pelluvia/platform/XMLParserDelegate.h>
+#include <Pelluvia/platform/xml/Engine.h>
+#include <Pelluvia/platform/xml/Input.h>
+#include <Pelluvia/platform/xml/Source.h>
+#include <Pelluvia/platform/xml/scan/ElementTree.h>
+#include <Pelluvia/platform/xml/scan/LineCounter.h>
+#include <Pelluvia/platform/xml/scan/StartTag.h>
+#include <Pelluvia/platform/xml/scan/TagMemory.h>
+#include <Pelluvia/platform/xml/scan/Vocabulary.h>
+#include <Pelluvia/platform/xml/scan/Window.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace pelluvia::xml::scan {
+
+/// One parse of one document by the scanner: the fast way through documents that are well-formed
+/// and in no way unusual. All others are refused, and the XML library reads them from the start; so
+/// the scanner needs no error messages, and may refuse whatever is not worth its while.
+///
+/// What it reports up to there the library reports, too, so that its events need not be reported
+/// twice. docs/xml.md tells how it works.
+class ScanEngine final : public Engine {
+  public:
+    enum class Outcome { wellFormed, aborted, refused };
+
+    /// A parse of `source`, which must be open and outlive it, for a delegate or nobody. At most
+    /// `windowSize` bytes are in memory; what does not fit is refused.
+    ScanEngine(XMLParser &parser, Source &source, XMLParserDelegate *delegate,
+               std::size_t windowSize = usualWindowSize);
+
+    /// Parses. Throws what the delegate has thrown.
+    [[nodiscard]] Outcome run();
+    [[nodiscard]] const Reported &reported() const noexcept { return reported_; }
+
+    void abort() override;
+    [[nodiscard]] Position position() override;
+
+    /// Enough for any tag, comment, CDATA section, and text between them, that is not unusual.
+    static constexpr std::size_t usualWindowSize = 128 * 1024;
+    /// More text between the starts of two elements, or white space and comments around the root,
+    /// is refused.
+    static constexpr std::size_t longestText = 1'000'000;
+
+  private:
+    // What the document consists of, in its order. All return false where the parse ends.
+    [[nodiscard]] bool readProlog();
+    [[nodiscard]] bool readContent();
+    [[nodiscard]] bool readEpilog();
+    [[nodiscard]] bool readXMLDeclaration();
+    [[nodiscard]] bool readMiscellany();
+
+    // The steps through the content. A step that cannot see enough moves the window and takes
+    // nothing: it is then taken again.
+    [[nodiscard]] bool readUnknown();
+    [[nodiscard]] bool readText();
+    [[nodiscard]] bool readStart(char *at);
+    [[nodiscard]] bool readEnd(const char *at);
+    [[nodiscard]] bool readAside();
+    [[nodiscard]] bool readCDATA();
+    /// What follows from a look that was not complete.
+    [[nodiscard]] bool lookAgain(Look look);
+
+    // Events. All return false when the delegate has aborted.
+    [[nodiscard]] bool reportKnown(KnownTag &tag, const char *end);
+    [[nodiscard]] bool reportStart(const Element &element, std::span<const XMLAttribute> attributes,
+                                   const char *place);
+    [[nodiscard]] bool reportEnd(const Element &element, const char *place);
+    [[nodiscard]] bool reportReferencesTo(const char *end);
+    [[nodiscard]] bool reportTextTo(const char *end);
+    [[nodiscard]] bool reportText(std::string_view text, const char *place);
+    [[nodiscard]] std::span<const XMLAttribute> collectAttributes();
+
+    /// Sees to it that what comes next is in the window, unless it is unusually large.
+    void lookAhead();
+    void forgetIfFull();
+
+    XMLParser &parser_;
+    XMLParserDelegate nobody_;
+    XMLParserDelegate &delegate_;
+    const bool namesOnly_;
+    Source &source_;
+    Input input_;
+    Window window_;
+    const Vocabulary vocabulary_;
+    ElementTree elements_;
+    TagMemory memory_;
+
+    Element *open_ = nullptr;              ///< the innermost open element
+    KnownTag *lastTag_ = nullptr;          ///< the tag before the cursor, if it is remembered
+    StartTag tag_;                         ///< scratch
+    std::vector<XMLAttribute> attributes_; ///< scratch
+    std::size_t textSize_ = 0;             ///< of the text since an element started
+    Reported reported_;
+    bool aborted_ = false;
+
+    const char *place_;                  ///< of the last event, in the window
+    std::unique_ptr<LineCounter> lines_; ///< once somebody has asked for a position
+};
+
+} // namespace pelluvia::xml::scan

@@ -1,0 +1,3 @@
+// A program that does nothing: what is left of a process when its work is taken away.
+
+int main() {}
