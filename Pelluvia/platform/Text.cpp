@@ -38,6 +38,9 @@ std::size_t whiteSpaceLength(std::string_view text) noexcept {
     if (text[0] == ' ' || (text[0] >= '\t' && text[0] <= '\r')) {
         return 1;
     }
+    if (isASCII(text.substr(0, 1))) {
+        return 0;
+    }
     if (text.starts_with("\xC2\x85") || text.starts_with("\xC2\xA0")) {
         return 2; // U+0085, U+00A0
     }
@@ -66,8 +69,12 @@ std::size_t leadingWhiteSpace(std::string_view text) noexcept {
 
 std::size_t trailingWhiteSpace(std::string_view text) noexcept {
     std::string_view rest = text;
-    // No character is longer than 3 bytes, and none ends with the bytes of a shorter one.
-    for (std::size_t length = 1; length <= 3 && length <= rest.size();) {
+    // No character is longer than 3 bytes, none ends with the bytes of a shorter one, and a byte of
+    // ASCII is never the end of a longer one.
+    const auto longest = [&rest] {
+        return rest.empty() || isASCII(rest.substr(rest.size() - 1)) ? 1U : 3U;
+    };
+    for (std::size_t length = 1; length <= longest() && length <= rest.size();) {
         if (whiteSpaceLength(rest.substr(rest.size() - length)) == length) {
             rest.remove_suffix(length);
             length = 1;

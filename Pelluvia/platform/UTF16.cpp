@@ -37,6 +37,9 @@ Lead leadOf(unsigned byte) noexcept {
 
 /// The bytes of the first character of a text that is not empty.
 std::size_t firstCharacter(std::string_view text) noexcept {
+    if (byteAt(text, 0) < 0x80) {
+        return 1; // the usual case
+    }
     const Lead lead = leadOf(byteAt(text, 0));
     if (lead.length == 1 || text.size() < lead.length || byteAt(text, 1) < lead.lowest ||
         byteAt(text, 1) > lead.highest) {
@@ -53,6 +56,9 @@ std::size_t firstCharacter(std::string_view text) noexcept {
 /// The bytes of the last character of a text that is not empty. A lead byte never stands inside a
 /// character, so this finds the same characters as going forwards.
 std::size_t lastCharacter(std::string_view text) noexcept {
+    if (byteAt(text, text.size() - 1) < 0x80) {
+        return 1; // the usual case
+    }
     const std::size_t longest = std::min<std::size_t>(4, text.size());
     for (std::size_t length = longest; length > 1; --length) {
         if (firstCharacter(text.substr(text.size() - length)) == length) {

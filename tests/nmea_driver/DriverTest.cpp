@@ -130,9 +130,14 @@ TEST(Driver, ReportsWhatCannotBeRead) {
     EXPECT_THAT(list.calls[0], ::testing::StartsWith("error cannot be read: "));
 }
 
-TEST(Driver, ReadsADeviceThatIsNoTerminalAsAFile) {
-    CallList list;
-    EXPECT_EQ(readNMEA("/dev/null", {}, list).ending, Ending::Complete);
+TEST(Driver, RefusesADeviceThatIsNoSerialLine) {
+    for (const char *path : {"/dev/null", "/dev/zero"}) {
+        CallList list;
+        const Outcome outcome = readNMEA(path, {}, list);
+        EXPECT_EQ(outcome.ending, Ending::NotOpened);
+        EXPECT_EQ(outcome.problem, "cannot be opened: a device, but not a serial line");
+        EXPECT_THAT(list.calls, ElementsAre());
+    }
 }
 
 /// Sends a second at a time, the next when the point of one before has come; pieces of `piece`
@@ -271,7 +276,7 @@ TEST(Driver, ShowsALiveSourceAndNoFile) {
     Conversation conversation(receiver, list, 1000);
     conversation.atEnd = [&] { receiver.hangUp(); };
     (void)readNMEA(receiver.path(), {}, list, {.view = &view});
-    EXPECT_THAT(shown, ::testing::HasSubstr(" points, "));
+    EXPECT_THAT(shown, ::testing::HasSubstr(" point, "));
 }
 
 TEST(Driver, ReadsTheDateOfAnOption) {

@@ -41,7 +41,7 @@ TEST(LiveView, ShowsWhatIsKnownOfTheFix) {
     EXPECT_EQ(shown.text, "\r\x1B[K0 points, no fix, 0.0 points/s");
     shown.time += seconds(1);
     shown.view.show({.points = 1}, fixOf(std::nullopt));
-    EXPECT_EQ(shown.text, "\r\x1B[K1 points, fix, 48.11730 -11.50000, 0.5 points/s");
+    EXPECT_EQ(shown.text, "\r\x1B[K1 point, fix, 48.11730 -11.50000, 0.5 points/s");
 }
 
 TEST(LiveView, IsNotWrittenMoreOftenThanItCanBeRead) {

@@ -17,11 +17,13 @@ TEST(Tally, SaysWhatElseThereWas) {
     EXPECT_EQ(
         textOf(Tally{.garbage = 1,
                      .tooLong = 2,
+                     .withoutFix = 6,
                      .pointsWithoutDate = 7,
                      .incompleteRoutes = 3,
                      .unknownRoutePoints = 4,
                      .beyondLimits = 5}),
-        "0 sentences, 0 points; 0 with a bad checksum, 0 not used; 1 line of something else; "
+        "0 sentences, 0 points; 0 with a bad checksum, 0 not used; 6 moments without a "
+        "fix; 1 line of something else; "
         "2 lines too long; 3 routes incomplete and left out; 4 route points without a waypoint "
         "left out; 5 names beyond what is kept left out; 7 points without a time, as no date "
         "was known (--date YYYY-MM-DD gives one)");

@@ -4,6 +4,8 @@
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
 #include <tests/recording/Spies.h>
+#include <tests/support/Sanitized.h>
+#include <tests/support/ThinningModel.h>
 
 #include <array>
 #include <cmath>
@@ -18,93 +20,13 @@ namespace {
 using testing::records;
 using testing::sameBytes;
 using testing::telemetry;
+using testing::ThinningModel;
 
-#if defined(__SANITIZE_ADDRESS__)
+#if PELLUVIA_TESTS_SANITIZED
 constexpr int scale = 20; // times as slow
 #else
 constexpr int scale = 1;
 #endif
-
-/// What a double becomes as a float: the nearest one, of two the one with the even last bit.
-float single(double value) {
-    const double limit = std::ldexp(1.0, 128) - std::ldexp(1.0, 103); // from here on infinite
-    if (std::fabs(value) >= limit) {
-        return std::copysign(std::numeric_limits<float>::infinity(), value < 0 ? -1.0F : 1.0F);
-    }
-    if (std::fabs(value) > std::numeric_limits<float>::max()) {
-        return std::copysign(std::numeric_limits<float>::max(), value < 0 ? -1.0F : 1.0F);
-    }
-    return static_cast<float>(value);
-}
-
-/// The recorder's thinning, plain: all intermediate results are stored, so that none has more
-/// precision than its type.
-class Model {
-  public:
-    bool minimize = true;
-    float pointSlop = 0.0001F;
-    float slopeSlop = 0.01F;
-    std::vector<GPSPoint> stored;
-    std::int64_t pointTests = 0;
-    std::int64_t slopeTests = 0;
-
-    void newTrack() {
-        stored.clear();
-        last.latitude = last.longitude = previous.latitude = previous.longitude = 0.0;
-    }
-
-    void trackPoint(const GPSPoint &point) {
-        const bool toss = minimize && previous.latitude != 0.0 && tests(point) > 0;
-        if (toss) {
-            stored.pop_back();
-        } else {
-            previous = last;
-        }
-        last = point;
-        stored.push_back(point);
-    }
-
-  private:
-    int tests(const GPSPoint &point) {
-        volatile float dLat1 = single(last.latitude - previous.latitude);
-        volatile float dLon1 = single(last.longitude - previous.longitude);
-        volatile float dLat2 = single(point.latitude - last.latitude);
-        volatile float dLon2 = single(point.longitude - last.longitude);
-        int fired = 0;
-        if (-pointSlop < dLat2 && dLat2 < pointSlop && -pointSlop < dLon2 && dLon2 < pointSlop) {
-            ++pointTests;
-            ++fired;
-        }
-        if (dLon1 == 0 && dLon2 == 0) {
-            ++slopeTests;
-            ++fired;
-        }
-        if (dLat1 == 0 && dLat2 == 0) {
-            ++slopeTests;
-            ++fired;
-        }
-        if (std::signbit(dLon2) == std::signbit(dLon1) &&
-            std::signbit(dLat2) == std::signbit(dLat1)) {
-            volatile float slope1 = std::numeric_limits<float>::infinity();
-            volatile float slope2 = std::numeric_limits<float>::infinity();
-            if (dLon1 != 0) {
-                slope1 = dLat1 / dLon1;
-            }
-            if (dLon2 != 0) {
-                slope2 = dLat2 / dLon2;
-            }
-            volatile float difference = slope2 - slope1;
-            if (-slopeSlop < difference && difference < slopeSlop) {
-                ++slopeTests;
-                ++fired;
-            }
-        }
-        return fired;
-    }
-
-    GPSPoint last;
-    GPSPoint previous;
-};
 
 /// A recorder and the model, fed alike.
 class Pair {
@@ -113,6 +35,7 @@ class Pair {
 
     void newTrack() {
         model.newTrack();
+        stored.clear();
         recorder->newTrack(nullptr);
     }
     void trackPoint(double latitude, double longitude) {
@@ -121,7 +44,10 @@ class Pair {
         point.longitude = longitude;
         point.altitude = static_cast<double>(++number);
         point.time = number;
-        model.trackPoint(point);
+        if (model.trackPoint(point)) {
+            stored.pop_back();
+        }
+        stored.push_back(point);
         recorder->trackPoint(point, nullptr);
     }
     void setTolerances(float pointSlop, float slopeSlop) {
@@ -142,15 +68,15 @@ class Pair {
     }
     [[nodiscard]] bool samePoints() const {
         const std::vector<GPSPoint> actual = records(recorder->currentTrack());
-        return std::equal(actual.begin(), actual.end(), model.stored.begin(), model.stored.end(),
-                          sameBytes);
+        return std::equal(actual.begin(), actual.end(), stored.begin(), stored.end(), sameBytes);
     }
     [[nodiscard]] bool sameCounts() const {
         return telemetry(*recorder, "pointEqualTossedPoints") == model.pointTests &&
                telemetry(*recorder, "slopeEqualTossedPoints") == model.slopeTests;
     }
 
-    Model model;
+    ThinningModel model;
+    std::vector<GPSPoint> stored; ///< in the track, as the model has it
     std::shared_ptr<RecordingGPSOutput> recorder = RecordingGPSOutput::recorder();
     std::int64_t number = 0;
 };
@@ -217,7 +143,7 @@ TEST(TrackMinimizationModel, AgreesOnTriplesAtTheToleranceEdges) {
             pair.trackPoint(latitude + (slope1 + edge(random, slope)) * run2, longitude + run2);
         }
         ASSERT_TRUE(pair.samePoints()) << "triple " << triple;
-        tossed += 3 - pair.model.stored.size();
+        tossed += 3 - pair.stored.size();
     }
     ASSERT_TRUE(pair.sameCounts());
     // The triples lie on both sides.
@@ -295,7 +221,7 @@ TEST(TrackMinimizationModel, AgreesOnALongRide) {
     EXPECT_TRUE(pair.samePoints());
     EXPECT_TRUE(pair.sameCounts());
     EXPECT_GT(pair.model.pointTests, 0);
-    EXPECT_LT(pair.model.stored.size(), static_cast<std::size_t>(pair.number));
+    EXPECT_LT(pair.stored.size(), static_cast<std::size_t>(pair.number));
 }
 
 } // namespace

@@ -50,8 +50,8 @@ template <class Float>
 }
 
 [[nodiscard]] inline std::string textOf(const GPSPoint &point) {
-    return "(" + textOfReal(point.latitude) + ", " + textOfReal(point.longitude) + ", " +
-           textOfReal(point.altitude) + ", " + std::to_string(point.time) + ", " +
+    return std::string("(") + textOfReal(point.latitude) + ", " + textOfReal(point.longitude) +
+           ", " + textOfReal(point.altitude) + ", " + std::to_string(point.time) + ", " +
            std::to_string(point.test) + ")";
 }
 
@@ -68,7 +68,7 @@ template <class Float>
     case Value::Kind::Double:
         return "double " + textOfReal(value.number()->doubleValue());
     case Value::Kind::String:
-        return quoted(*value.string());
+        return testing::quoted(*value.string());
     case Value::Kind::Record: {
         const auto *point = value.unwrap<GPSPoint>();
         return point != nullptr ? "point " + textOf(*point) : "record";
@@ -113,7 +113,7 @@ template <class Float>
     for (const auto &[key, value] : error->userInfo()) {
         info += (info.empty() ? "" : ", ") + key + ": ";
         if (const auto *text = std::get_if<std::string>(&value)) {
-            info += quoted(*text);
+            info += testing::quoted(*text);
         } else if (const auto *number = std::get_if<std::int64_t>(&value)) {
             info += std::to_string(*number);
         } else {
@@ -128,7 +128,7 @@ template <class Float>
         return textOf(*error);
     }
     const auto *message = std::get_if<std::string>(&report);
-    return message != nullptr ? quoted(*message) : "nil";
+    return message != nullptr ? testing::quoted(*message) : "nil";
 }
 
 /// Remembers all calls in order. What tests look for more closely can be watched: `onCall` sees

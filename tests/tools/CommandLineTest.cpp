@@ -108,6 +108,38 @@ TEST(CommandLine, OptionsMayFollowThePaths) {
     EXPECT_EQ(options.creator, "Tom &amp; &#196;nne");
 }
 
+TEST(CommandLine, NothingIsRecordedUnlessAskedFor) {
+    const RecordingOptions options = convertOf({"convert", "a.gpx", "b.gpx"}).recording;
+    EXPECT_FALSE(options.isWanted);
+    EXPECT_FALSE(options.minimize);
+    EXPECT_EQ(options.pointSlop, std::nullopt);
+    EXPECT_EQ(options.slopeSlop, std::nullopt);
+    EXPECT_EQ(options.telemetry, std::nullopt);
+}
+
+TEST(CommandLine, EachOptionOfTheRecorderAsksForIt) {
+    struct Asked {
+        std::vector<const char *> options;
+        bool minimize;
+    };
+    for (const Asked &asked :
+         {Asked{{"--record"}, false}, Asked{{"--minimize"}, true},
+          Asked{{"--telemetry", "-"}, false}, Asked{{"--point-slop", "0"}, true},
+          Asked{{"--slope-slop", "1e-3"}, true}}) {
+        std::vector<const char *> arguments = {"convert", "a.gpx", "b.gpx"};
+        arguments.insert(arguments.end(), asked.options.begin(), asked.options.end());
+        const RecordingOptions options = convertOf(arguments).recording;
+        EXPECT_TRUE(options.isWanted) << asked.options[0];
+        EXPECT_EQ(options.minimize, asked.minimize) << asked.options[0];
+    }
+    const RecordingOptions all = convertOf({"convert", "--point-slop", ".5", "--slope-slop", "1e-3",
+                                            "--telemetry", "t", "a.gpx", "b.gpx"})
+                                     .recording;
+    EXPECT_EQ(all.pointSlop, 0.5F);
+    EXPECT_EQ(all.slopeSlop, 1e-3F);
+    EXPECT_EQ(all.telemetry, "t");
+}
+
 TEST(CommandLine, AnOptionTakesOneArgumentOnly) {
     const ConvertOptions options =
         convertOf({"convert", "--only", "tracks", "--creator", "me", "a.gpx", "b.gpx"});

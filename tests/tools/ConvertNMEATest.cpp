@@ -1,16 +1,14 @@
+#include "LiveReceiver.h"
 #include "Pelluvia.h"
 
-#include <array>
 #include <csignal>
-#include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <pty.h>
+#include <random>
 #include <string>
-#include <sys/wait.h>
-#include <termios.h>
-#include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace pelluvia {
 namespace {
@@ -18,6 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
+using testing::LiveReceiver;
 using ::testing::Not;
 using testing::Outcome;
 using testing::readFile;
@@ -143,87 +142,78 @@ TEST(ConvertNMEA, AMissingLogIsABadSource) {
     EXPECT_FALSE(fs::exists(folder.file("out.gpx")));
 }
 
-/// A receiver on a pseudo-terminal, and the program that reads it into a call log that can be
-/// watched.
-class LiveReceiver {
-  public:
-    explicit LiveReceiver(const std::string &target) {
-        termios raw{};
-        ::cfmakeraw(&raw);
-        std::array<char, 100> name{};
-        EXPECT_EQ(::openpty(&master_, &slave_, name.data(), &raw, nullptr), 0);
-        std::array<int, 2> errors{};
-        EXPECT_EQ(::pipe2(errors.data(), O_CLOEXEC), 0);
-        child_ = ::fork();
-        if (child_ == 0) {
-            ::dup2(errors[1], STDERR_FILENO);
-            ::close(master_);
-            ::close(slave_);
-            ::execl(PELLUVIA_PROGRAM, PELLUVIA_PROGRAM, "convert", "--from", "nmea", "--verbose",
-                    name.data(), target.c_str(), nullptr);
-            ::_exit(127);
-        }
-        ::close(errors[1]);
-        errors_ = errors[0];
-    }
-    LiveReceiver(const LiveReceiver &) = delete;
-    LiveReceiver &operator=(const LiveReceiver &) = delete;
-    ~LiveReceiver() {
-        hangUp();
-        ::close(slave_);
-        ::close(errors_);
-    }
+TEST(ConvertNMEA, ADeviceThatIsNoSerialLineIsABadSource) {
+    const TemporaryFolder folder;
+    const Outcome outcome = testing::pelluvia(
+        {"convert", "--from", "nmea", "--baud", "9600", "/dev/zero", folder.file("out.gpx")});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors,
+                HasSubstr("/dev/zero: cannot be opened: a device, but not a serial line\n"));
+}
 
-    /// Sends lines and then one that is so long that the program logs it, and waits until it has.
-    void sendAndWait(const std::string &lines) {
-        const std::string all = lines + "$GPTXT," + std::string(90, 'x') + "\r\n";
-        ASSERT_EQ(::write(master_, all.data(), all.size()), static_cast<ssize_t>(all.size()));
-        while (text_.find("exceeds") == std::string::npos) {
-            ASSERT_TRUE(readErrors());
-        }
-    }
-    void signal(int number) const { EXPECT_EQ(::kill(child_, number), 0); }
-    void hangUp() {
-        if (master_ >= 0) {
-            ::close(master_);
-            ::close(slave_);
-            master_ = -1;
-            slave_ = -1;
-        }
-    }
-    /// Waits for the end.
-    Outcome outcome() {
-        while (readErrors()) {
-        }
-        int status = 0;
-        EXPECT_EQ(::waitpid(child_, &status, 0), child_);
-        return {.status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status),
-                .output = {},
-                .errors = text_};
-    }
+TEST(ConvertNMEA, ALiveSourceIsShownOnATerminal) {
+    const Outcome shown = testing::pelluvia({.arguments = {"convert", "--from", "nmea", "-", "-"},
+                                             .input = first + second,
+                                             .hasTerminal = true});
+    EXPECT_EQ(shown.status, 0);
+    EXPECT_THAT(shown.errors, HasSubstr("1 point, fix, 48.13397 11.51667, 0.0 points/s"));
+    EXPECT_THAT(shown.errors, HasSubstr("\r\x1B[Kstandard input: 4 sentences, 2 points;"));
+    const Outcome quiet =
+        testing::pelluvia({.arguments = {"convert", "-q", "--from", "nmea", "-", "-"},
+                           .input = first + second,
+                           .hasTerminal = true});
+    EXPECT_THAT(quiet.errors, Not(HasSubstr("points/s")));
+}
 
-  private:
-    bool readErrors() {
-        std::array<char, 1000> buffer{};
-        const ssize_t got = ::read(errors_, buffer.data(), buffer.size());
-        if (got > 0) {
-            text_.append(buffer.data(), static_cast<std::size_t>(got));
-        }
-        return got > 0;
+/// The texts between two others, one for each time that they stand around one.
+std::vector<std::string> textsBetween(const std::string &document, const std::string &before,
+                                      const std::string &after) {
+    std::vector<std::string> found;
+    for (std::size_t at = 0; (at = document.find(before, at)) != std::string::npos;) {
+        at += before.size();
+        found.push_back(document.substr(at, document.find(after, at) - at));
     }
+    return found;
+}
 
-    int master_ = -1;
-    int slave_ = -1;
-    int errors_ = -1;
-    pid_t child_ = -1;
-    std::string text_;
-};
+TEST(ConvertNMEA, ADocumentComesBackOverALogToTheResolutionOfSentences) {
+    constexpr double resolution =
+        0.0005 / 60.0 + 1e-8; // of a minute, and of what GPX is written with
+    std::mt19937 random(20240815);
+    std::uniform_real_distribution<double> real(-1.0, 1.0);
+    std::string points = "<gpx><trk><trkseg>";
+    for (int i = 0; i < 2000; ++i) {
+        points += "<trkpt lat=\"" + std::to_string(90.0 * real(random)) + "\" lon=\"" +
+                  std::to_string(180.0 * real(random)) + "\"><ele>" +
+                  std::to_string(4000.0 * real(random)) + "</ele><time>2024-08-15T" +
+                  std::to_string(10 + i / 60 / 60 % 10) + ":" + std::to_string(10 + i / 50 % 50) +
+                  ":" + std::to_string(10 + i % 50) + "Z</time></trkpt>";
+    }
+    const TemporaryFolder folder;
+    const std::string source = folder.write("a.gpx", points + "</trkseg></trk></gpx>");
+    const std::string log = folder.file("a.nmea");
+    EXPECT_EQ(testing::pelluvia({"convert", source, log}).status, 0);
+    const std::string direct = testing::pelluvia({"convert", source, "-"}).output;
+    const std::string back = testing::pelluvia({"convert", log, "-"}).output;
+    for (const auto &[before, tolerance] :
+         {std::pair("<trkpt lat=\"", resolution), std::pair("\" lon=\"", resolution),
+          std::pair("<ele>", 0.0005 + 1e-6)}) {
+        const auto expected = textsBetween(direct, before, "\"<");
+        const auto actual = textsBetween(back, before, "\"<");
+        ASSERT_EQ(expected.size(), 2000U);
+        ASSERT_EQ(actual.size(), 2000U);
+        for (std::size_t i = 0; i < actual.size(); ++i) {
+            ASSERT_NEAR(std::stod(actual[i]), std::stod(expected[i]), tolerance) << before << i;
+        }
+    }
+    EXPECT_EQ(textsBetween(back, "<time>", "<"), textsBetween(direct, "<time>", "<"));
+}
 
 TEST(ConvertNMEA, AnInterruptBringsTheTargetToAProperEnd) {
     for (const int number : {SIGINT, SIGTERM}) {
         const TemporaryFolder folder;
         const std::string target = folder.write("out.gpx", "old");
-        LiveReceiver receiver(target);
+        LiveReceiver receiver({target});
         receiver.sendAndWait(first + second);
         receiver.signal(number);
         const Outcome outcome = receiver.outcome();
@@ -239,7 +229,7 @@ TEST(ConvertNMEA, AnInterruptBringsTheTargetToAProperEnd) {
 TEST(ConvertNMEA, AReceiverThatIsLostIsABadSourceWithWhatItSentKept) {
     const TemporaryFolder folder;
     const std::string target = folder.file("out.gpx");
-    LiveReceiver receiver(target);
+    LiveReceiver receiver({target});
     receiver.sendAndWait(first + second);
     receiver.hangUp();
     const Outcome outcome = receiver.outcome();

@@ -66,6 +66,37 @@ TEST(TargetFile, NothingStaysUnlessItIsKept) {
     EXPECT_EQ(readFile(folder.file("out.gpx")), "good");
 }
 
+TEST(TargetFile, TwoMayBeUnderWayAtATime) {
+    const TemporaryFolder folder;
+    const auto first = opened(folder.file("out.gpx"));
+    {
+        const auto second = opened(folder.file("out.json"));
+        EXPECT_EQ(whyNotOpened(folder.file("third")), std::errc::too_many_files_open);
+        EXPECT_FALSE(second->keep());
+    }
+    opened(folder.file("third"));
+    EXPECT_FALSE(first->keep());
+    EXPECT_THAT(entries(folder.path()), UnorderedElementsAre("out.gpx", "out.json"));
+}
+
+TEST(TargetFile, TheSamePlaceIsKnownByAllItsNames) {
+    const TemporaryFolder folder;
+    const std::string path = folder.file("out.gpx");
+    fs::create_symlink("out.gpx", folder.file("link"));
+    for (const bool exists : {false, true}) {
+        EXPECT_TRUE(TargetFile::isSamePlace(path, path)) << exists;
+        EXPECT_TRUE(TargetFile::isSamePlace(path, folder.file("./out.gpx"))) << exists;
+        EXPECT_TRUE(TargetFile::isSamePlace(folder.file("link"), path)) << exists;
+        EXPECT_FALSE(TargetFile::isSamePlace(path, folder.file("other"))) << exists;
+        folder.write("out.gpx", "");
+    }
+    EXPECT_TRUE(TargetFile::isSamePlace("-", "/dev/stdout"));
+    EXPECT_TRUE(TargetFile::isSamePlace("/dev/fd/1", "-"));
+    EXPECT_FALSE(TargetFile::isSamePlace("-", "/dev/stderr"));
+    EXPECT_FALSE(TargetFile::isSamePlace("-", path));
+    EXPECT_TRUE(TargetFile::isSamePlace("", ""));
+}
+
 TEST(TargetFile, ReplacesAFileWithItsPermissions) {
     const TemporaryFolder folder;
     const std::string path = folder.write("out.gpx", "old");

@@ -4,16 +4,19 @@
 #include <tools/pelluvia/CreatorText.h>
 #include <tools/pelluvia/ExitStatus.h>
 #include <tools/pelluvia/SourceFile.h>
+#include <tools/pelluvia/TargetFile.h>
 #include <tools/pelluvia/nmea/Driver.h>
 #include <tools/pelluvia/nmea/SerialPort.h>
 
 #include <Pelluvia/model/Version.h>
+#include <Pelluvia/platform/Number.h>
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <optional>
 #include <sstream>
 #include <string_view>
@@ -34,6 +37,11 @@ struct Arguments {
     long baud = nmea::standardBaudRate;
     std::int64_t gap = nmea::DecoderOptions().longestGap;
     std::string creator;
+    bool record = false;
+    bool minimize = false;
+    std::optional<std::string> pointSlop;
+    std::optional<std::string> slopeSlop;
+    std::optional<std::string> telemetry;
     bool classic = false;
     bool quiet = false;
     bool json = false;
@@ -159,6 +167,38 @@ nmea::DriverOptions driverOptions(const Arguments &arguments) {
     return options;
 }
 
+/// Throws unless the text is a finite number that is not negative.
+std::optional<float> toleranceOf(const std::optional<std::string> &text, const char *option) {
+    if (!text) {
+        return std::nullopt;
+    }
+    double value = -1.0;
+    const char *end = text->data() + text->size();
+    const auto [stop, error] = std::from_chars(text->data(), end, value);
+    const float tolerance = roundedFloat(value);
+    if (error != std::errc() || stop != end || !std::isfinite(tolerance) || tolerance < 0.0F) {
+        throw CLI::ValidationError(option, "a number is needed that is not negative");
+    }
+    return tolerance;
+}
+
+/// What the options of the recorder say; each of them asks for it.
+RecordingOptions recordingOptions(const Arguments &arguments, const std::string &target) {
+    RecordingOptions options;
+    options.pointSlop = toleranceOf(arguments.pointSlop, "--point-slop");
+    options.slopeSlop = toleranceOf(arguments.slopeSlop, "--slope-slop");
+    options.minimize = arguments.minimize || options.pointSlop || options.slopeSlop;
+    options.telemetry = arguments.telemetry;
+    options.isWanted = arguments.record || options.minimize || options.telemetry;
+    if (options.isWanted && arguments.classic) {
+        throw CLI::ValidationError("--classic", "there is nothing between that could record");
+    }
+    if (options.telemetry && TargetFile::isSamePlace(*options.telemetry, target)) {
+        throw CLI::ValidationError("--telemetry", "the target is written there");
+    }
+    return options;
+}
+
 void refuseSecondStandardInput(const std::vector<std::string> &paths) {
     if (std::count(paths.begin(), paths.end(), "-") > 1) {
         throw CLI::ValidationError("-", "standard input can be read only once");
@@ -179,6 +219,7 @@ ConvertOptions convertOptions(const Arguments &arguments) {
     }
     options.targetFormat = targetFormat(options.target, arguments.to);
     options.nmea = driverOptions(arguments);
+    options.recording = recordingOptions(arguments, options.target);
     if (arguments.only) {
         options.only = selectionOf(*arguments.only);
     }
@@ -196,6 +237,23 @@ ConvertOptions convertOptions(const Arguments &arguments) {
 InfoOptions infoOptions(const Arguments &arguments) {
     refuseSecondStandardInput(arguments.files);
     return {.files = arguments.files, .json = arguments.json, .verbose = arguments.verbose};
+}
+
+void addRecording(CLI::App &command, Arguments &arguments) {
+    command.add_flag("--record", arguments.record, "Record all first, then replay it");
+    command.add_flag("--minimize", arguments.minimize, "Thin tracks while recording");
+    command
+        .add_option("--point-slop", arguments.pointSlop,
+                    "Thin: points as near as this are one (0.0001)")
+        ->option_text("DEGREES");
+    command
+        .add_option("--slope-slop", arguments.slopeSlop,
+                    "Thin: slopes as near as this are one (0.01)")
+        ->option_text("NUMBER");
+    command
+        .add_option("--telemetry", arguments.telemetry,
+                    "Record, and write a summary as JSON; - is standard output")
+        ->option_text("FILE");
 }
 
 CLI::App *addConvert(CLI::App &app, Arguments &arguments) {
@@ -217,8 +275,9 @@ CLI::App *addConvert(CLI::App &app, Arguments &arguments) {
     command->add_option("--gap", arguments.gap, "Break an NMEA track after so long a pause (300)")
         ->option_text("SECONDS")
         ->check(CLI::NonNegativeNumber);
+    addRecording(*command, arguments);
     command->add_flag("--classic", arguments.classic,
-                      "Nothing between producer and receiver (so it is anyway)");
+                      "Nothing between producer and target, as without recording");
     command->add_option("--creator", arguments.creator, "The creator named in a GPX header")
         ->option_text("TEXT");
     command->add_flag("-q,--quiet", arguments.quiet, "No progress bar");

@@ -41,6 +41,10 @@ unless --from or --to name them; standard input and output are GPX unless they d
 An NMEA source may be a serial device. It is read until Ctrl-C or SIGTERM, which bring
 the target to a proper end. What was not used of a source is said in one line.
 
+With --record, or any of the options behind it, all sources are recorded in memory and
+then replayed: waypoints, routes, tracks, each track in one segment. --minimize leaves
+out points on the way; a --point-slop or --slope-slop asks for that too.
+
 Of a route, a GPX target holds the name and the comment but not the points; a call
 log holds all that was read.
 
@@ -60,6 +64,7 @@ Examples:
   pelluvia convert --to calls ride.gpx - | less
   pelluvia convert calls.jsonl ride.gpx
   zcat ride.gpx.gz | pelluvia convert - ride.gpx
+  pelluvia convert --minimize --telemetry - ride.gpx small.gpx
   pelluvia convert --date 2024-08-15 logger.nmea ride.gpx
   pelluvia convert --from nmea --baud 9600 /dev/ttyUSB0 ride.gpx
   gpspipe -r | pelluvia convert --from nmea - ride.gpx)";

@@ -7,6 +7,7 @@
 #include <tools/pelluvia/Messages.h>
 #include <tools/pelluvia/Output.h>
 #include <tools/pelluvia/ProgressBar.h>
+#include <tools/pelluvia/Recording.h>
 #include <tools/pelluvia/SourceFile.h>
 #include <tools/pelluvia/TargetFile.h>
 #include <tools/pelluvia/calllog/CallLogReader.h>
@@ -33,23 +34,35 @@ class Conversion {
         if (!areSourcesReadable()) {
             return exitStatus::badInput;
         }
-        std::error_code error;
-        const auto target = TargetFile::open(options_.target, error);
-        if (target == nullptr) {
-            return cannotWrite(error);
+        if (!open(options_.target, target_) ||
+            (options_.recording.telemetry && !open(*options_.recording.telemetry, telemetry_))) {
+            return exitStatus::cannotWrite;
         }
         if (!options_.creator.empty()) {
             GPXExporter::setCreator(options_.creator);
         }
-        output_ = Output::open(options_.targetFormat, target->writePath(), collector_, bar_);
+        output_ = Output::open(options_.targetFormat, target_->writePath(), collector_, bar_);
         if (output_.receiver == nullptr) {
-            return cannotWrite(output_.openFailure);
+            return cannotWrite(options_.target, output_.openFailure);
         }
-        const int status = readSources();
-        return finish(*target, status);
+        return finish(readSources());
     }
 
   private:
+    static bool open(const std::string &path, std::unique_ptr<TargetFile> &file) {
+        std::error_code error;
+        file = TargetFile::open(path, error);
+        if (file == nullptr) {
+            cannotWrite(path, error);
+        }
+        return file != nullptr;
+    }
+
+    /// Whom the producers call: the target, or the recorder before it.
+    [[nodiscard]] std::shared_ptr<GPSOutputReceiver> receiver() const {
+        return recorder_ != nullptr ? recorder_ : output_.receiver;
+    }
+
     /// Before the target is made; a source may still turn out bad when its turn comes.
     [[nodiscard]] bool areSourcesReadable() const {
         bool result = true;
@@ -97,7 +110,7 @@ class Conversion {
         if (const auto failure = source.prepare()) {
             return faultOf(failure);
         }
-        const auto importer = GPXFileImporter::initWithReceiver(output_.receiver);
+        const auto importer = GPXFileImporter::initWithReceiver(receiver());
         importer->setDoTracks(options_.only.tracks);
         importer->setDoRoutes(options_.only.routes);
         importer->setDoWaypoints(options_.only.waypoints);
@@ -164,9 +177,9 @@ class Conversion {
     [[nodiscard]] std::shared_ptr<GPSOutputReceiver> filtered() const {
         const bool holdsFinish = options_.targetFormat == Format::GPX;
         if (!holdsFinish && options_.only.isEverything()) {
-            return output_.receiver;
+            return receiver();
         }
-        return std::make_shared<CallFilter>(output_.receiver, options_.only, holdsFinish);
+        return std::make_shared<CallFilter>(receiver(), options_.only, holdsFinish);
     }
 
     void sayWhatWasReported(const std::string &path) {
@@ -180,9 +193,13 @@ class Conversion {
     }
 
     /// `status` is how reading ended.
-    int finish(TargetFile &target, int status) {
+    int finish(int status) {
+        if (recorder_ != nullptr) {
+            finishRecording(*recorder_);
+            recorder_->pushAllDataToOutput(*output_.receiver);
+        }
         if (const std::error_code error = output_.finish()) {
-            return cannotWrite(error);
+            return cannotWrite(options_.target, error);
         }
         if (const std::string remark = output_.remark ? output_.remark() : ""; !remark.empty()) {
             say(targetName(options_.target) + ": " + remark);
@@ -190,27 +207,40 @@ class Conversion {
         if (status == exitStatus::cannotWrite) {
             return status;
         }
+        // Both are written before either gets its name.
+        if (telemetry_ != nullptr) {
+            if (const auto error = writeTelemetry(*recorder_, telemetry_->writePath())) {
+                return cannotWrite(*options_.recording.telemetry, error);
+            }
+        }
+        const int kept = keep(options_.target, *target_, status);
+        return telemetry_ == nullptr || kept != status
+                   ? kept
+                   : keep(*options_.recording.telemetry, *telemetry_, status);
+    }
+
+    static int keep(const std::string &path, TargetFile &file, int status) {
         const bool isComplete = status == exitStatus::done;
-        if (const std::error_code error = isComplete ? target.keep() : target.keepPartial()) {
-            return cannotWrite(error);
+        if (const std::error_code error = isComplete ? file.keep() : file.keepPartial()) {
+            return cannotWrite(path, error);
         }
         if (!isComplete) {
-            sayWhatIsPartial(target);
+            sayWhatIsPartial(path, file);
         }
         return status;
     }
 
-    void sayWhatIsPartial(const TargetFile &target) const {
-        const std::string &kept = target.keptName();
-        complain((kept.empty() ? targetName(options_.target) : kept) +
+    static void sayWhatIsPartial(const std::string &path, const TargetFile &file) {
+        const std::string &kept = file.keptName();
+        complain((kept.empty() ? targetName(path) : kept) +
                  " is partial: it holds what was read before the fault");
-        if (target.isKeptBeside()) {
-            complain(options_.target + " is as it was");
+        if (file.isKeptBeside()) {
+            complain(path + " is as it was");
         }
     }
 
-    int cannotWrite(const std::error_code &error) const {
-        complain("cannot write " + targetName(options_.target) + ": " + error.message());
+    static int cannotWrite(const std::string &path, const std::error_code &error) {
+        complain("cannot write " + targetName(path) + ": " + error.message());
         return exitStatus::cannotWrite;
     }
 
@@ -229,7 +259,12 @@ class Conversion {
     const ConvertOptions &options_;
     std::shared_ptr<ReportCollector> collector_ = std::make_shared<ReportCollector>();
     std::shared_ptr<ProgressBar> bar_ = makeBar();
+    std::unique_ptr<TargetFile> target_;
+    std::unique_ptr<TargetFile> telemetry_; ///< null when nobody asked for it
     Output output_;
+    /// Null when nobody asked for it: then all goes straight to the target.
+    std::shared_ptr<RecordingGPSOutput> recorder_ =
+        makeRecorder(options_.recording, collector_, bar_);
     bool isInterrupted_ = false; ///< the user has enough
 };
 

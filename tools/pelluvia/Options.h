@@ -2,6 +2,7 @@
 
 #include <tools/pelluvia/nmea/Driver.h>
 
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -32,12 +33,23 @@ struct Source {
     Format format = Format::GPX;
 };
 
+/// How the calls of the producers are recorded before they reach the target. Asked for by any of
+/// its options.
+struct RecordingOptions {
+    bool isWanted = false;
+    bool minimize = false;                ///< thin tracks
+    std::optional<float> pointSlop;       ///< degrees; nothing: the recorder's own
+    std::optional<float> slopeSlop;       ///< likewise, without a unit
+    std::optional<std::string> telemetry; ///< where the summary goes; "-" is standard output
+};
+
 struct ConvertOptions {
     std::vector<Source> sources; ///< read in this order, into one target
     std::string target;          ///< "-" is standard output
     Format targetFormat = Format::GPX;
     Selection only;
     nmea::DriverOptions nmea; ///< for sources of that format
+    RecordingOptions recording;
     std::string
         creator; ///< for the header of a GPX target, as XML attribute text; empty: the default
     bool quiet = false;   ///< no progress bar

@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <climits>
 #include <fcntl.h>
+#include <filesystem>
+#include <optional>
 #include <unistd.h>
 
 namespace pelluvia::host {
@@ -42,7 +44,28 @@ std::string withoutLinks(std::string path) {
     return path;
 }
 
+/// The path by which a place has one name only, as far as that can be told.
+std::filesystem::path nameOfPlace(const std::string &path) {
+    std::error_code error;
+    const std::string itself = withoutLinks(path);
+    const auto name = std::filesystem::weakly_canonical(itself, error);
+    return error ? std::filesystem::path(itself) : name;
+}
+
+std::optional<int> descriptorOf(const std::string &path) {
+    return path == "-" ? STDOUT_FILENO : OutputFile::descriptorNamedBy(path);
+}
+
 } // namespace
+
+bool TargetFile::isSamePlace(const std::string &first, const std::string &second) {
+    const auto descriptor = descriptorOf(first);
+    const auto otherDescriptor = descriptorOf(second);
+    if (descriptor || otherDescriptor) {
+        return descriptor == otherDescriptor;
+    }
+    return first == second || nameOfPlace(first) == nameOfPlace(second);
+}
 
 std::unique_ptr<TargetFile> TargetFile::open(const std::string &path, std::error_code &error) {
     error.clear();

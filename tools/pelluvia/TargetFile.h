@@ -25,6 +25,9 @@ class TargetFile {
     [[nodiscard]] static std::unique_ptr<TargetFile> open(const std::string &path,
                                                           std::error_code &error);
 
+    /// Whether results written to the two paths would mix, or one replace the other.
+    [[nodiscard]] static bool isSamePlace(const std::string &first, const std::string &second);
+
     /// The path to write to.
     [[nodiscard]] const std::string &writePath() const noexcept;
 

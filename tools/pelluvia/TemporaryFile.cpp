@@ -15,13 +15,16 @@ namespace {
 
 constexpr std::array<int, 3> endingSignals = {SIGHUP, SIGINT, SIGTERM};
 
-/// The path that the signal handler removes; empty for none. A signal handler has nothing else to
-/// find it by. Changed only while the signals are blocked.
-std::array<char, PATH_MAX> pathToRemove{};
+/// The paths that the signal handler removes; empty for none. A signal handler has nothing else to
+/// find them by. Changed only while the signals are blocked.
+using PathToRemove = std::array<char, PATH_MAX>;
+std::array<PathToRemove, TemporaryFile::most> pathsToRemove{};
 
 extern "C" void removeAndEnd(int signal) {
-    if (pathToRemove[0] != '\0') {
-        ::unlink(pathToRemove.data());
+    for (const PathToRemove &path : pathsToRemove) {
+        if (path[0] != '\0') {
+            ::unlink(path.data());
+        }
     }
     // The handler was installed to run once; this time the signal does what it always does.
     static_cast<void>(::raise(signal));
@@ -66,6 +69,16 @@ void handleEndingSignals() {
     }
 }
 
+/// Where a path can be put for the signal handler; null when all places are taken.
+char *freePlace() {
+    for (PathToRemove &path : pathsToRemove) {
+        if (path[0] == '\0') {
+            return path.data();
+        }
+    }
+    return nullptr;
+}
+
 /// A name that nobody else is likely to have, beside the path.
 std::string nameBeside(const std::string &path, std::random_device &random) {
     constexpr std::string_view characters = "0123456789abcdefghijklmnopqrstuvwxyz";
@@ -103,9 +116,14 @@ std::unique_ptr<TemporaryFile> TemporaryFile::makeBeside(const std::string &path
                                                          std::error_code &error) {
     constexpr mode_t permissions = 0777;
     const SignalsBlocked blocked;
+    char *place = freePlace();
+    if (place == nullptr) {
+        error = std::make_error_code(std::errc::too_many_files_open);
+        return nullptr;
+    }
     std::string name;
     Descriptor file = openNewFile(path, name);
-    if (!file.isOpen() || name.size() >= pathToRemove.size()) {
+    if (!file.isOpen() || name.size() >= PATH_MAX) {
         error = {file.isOpen() ? ENAMETOOLONG : errno, std::generic_category()};
         return nullptr;
     }
@@ -115,12 +133,13 @@ std::unique_ptr<TemporaryFile> TemporaryFile::makeBeside(const std::string &path
         ::fchmod(file.number(), model->st_mode & permissions);
     }
     error.clear();
-    return std::unique_ptr<TemporaryFile>(new TemporaryFile(std::move(name), std::move(file)));
+    return std::unique_ptr<TemporaryFile>(
+        new TemporaryFile(std::move(name), std::move(file), place));
 }
 
-TemporaryFile::TemporaryFile(std::string path, Descriptor descriptor) noexcept
-    : path_(std::move(path)), descriptor_(std::move(descriptor)) {
-    std::memcpy(pathToRemove.data(), path_.c_str(), path_.size() + 1);
+TemporaryFile::TemporaryFile(std::string path, Descriptor descriptor, char *pathToRemove) noexcept
+    : path_(std::move(path)), descriptor_(std::move(descriptor)), pathToRemove_(pathToRemove) {
+    std::memcpy(pathToRemove_, path_.c_str(), path_.size() + 1);
     handleEndingSignals();
 }
 
@@ -128,7 +147,7 @@ TemporaryFile::~TemporaryFile() {
     if (!path_.empty()) {
         const SignalsBlocked blocked;
         ::unlink(path_.c_str());
-        pathToRemove[0] = '\0';
+        *pathToRemove_ = '\0';
     }
 }
 
@@ -145,7 +164,7 @@ std::error_code TemporaryFile::rename(const std::string &name) {
     if (std::rename(path_.c_str(), name.c_str()) != 0) {
         return {errno, std::generic_category()};
     }
-    pathToRemove[0] = '\0';
+    *pathToRemove_ = '\0';
     path_.clear();
     return {};
 }

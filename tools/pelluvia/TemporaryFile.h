@@ -2,6 +2,7 @@
 
 #include <tools/pelluvia/Descriptor.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <sys/stat.h>
@@ -12,7 +13,7 @@ namespace pelluvia::host {
 /// A file under a temporary name, which is removed unless it is given a name of its own: at the end
 /// of this object, and also when SIGHUP, SIGINT or SIGTERM ends the process meanwhile.
 ///
-/// A process has at most one at a time, since a signal handler must find it. Threads: none.
+/// A process has few at a time, `most`, since a signal handler must find them. Threads: none.
 class TemporaryFile {
   public:
     /// A new empty file in the folder of `path`, with a name made of its name. It gets the
@@ -20,6 +21,8 @@ class TemporaryFile {
     /// when it cannot be made; `error` then says why.
     [[nodiscard]] static std::unique_ptr<TemporaryFile>
     makeBeside(const std::string &path, const struct stat *model, std::error_code &error);
+
+    static constexpr std::size_t most = 2;
 
     TemporaryFile(const TemporaryFile &) = delete;
     TemporaryFile &operator=(const TemporaryFile &) = delete;
@@ -33,10 +36,11 @@ class TemporaryFile {
     [[nodiscard]] std::error_code rename(const std::string &name);
 
   private:
-    TemporaryFile(std::string path, Descriptor descriptor) noexcept;
+    TemporaryFile(std::string path, Descriptor descriptor, char *pathToRemove) noexcept;
 
     std::string path_;
     Descriptor descriptor_;
+    char *pathToRemove_; ///< the signal handler's copy of the path
 };
 
 } // namespace pelluvia::host

@@ -55,6 +55,9 @@ Input::Result decode(Input &input, LineSplitter &splitter, Decoder &decoder,
 }
 
 std::string problemOf(const Outcome &outcome) {
+    if (outcome.error == std::errc::inappropriate_io_control_operation) {
+        return "cannot be opened: a device, but not a serial line";
+    }
     const std::string_view what = outcome.ending == Ending::Lost        ? "the receiver was lost: "
                                   : outcome.ending == Ending::NotOpened ? "cannot be opened: "
                                                                         : "cannot be read: ";

@@ -30,6 +30,11 @@ int openForReading(const std::string &path, std::error_code &error) {
     return descriptor;
 }
 
+bool isCharacterDevice(int descriptor) noexcept {
+    struct stat status {};
+    return ::fstat(descriptor, &status) == 0 && S_ISCHR(status.st_mode);
+}
+
 } // namespace
 
 std::unique_ptr<Input> Input::open(const std::string &path, long baud, int wakeUp,
@@ -43,7 +48,8 @@ std::unique_ptr<Input> Input::open(const std::string &path, long baud, int wakeU
         return nullptr;
     }
     std::unique_ptr<Input> input(new Input(descriptor, true, wakeUp));
-    if (::isatty(descriptor) == 1) {
+    if (isCharacterDevice(descriptor)) {
+        // Any other than a terminal may give bytes without end, and none that a receiver sent.
         input->port_ = SerialPort::setUp(descriptor, baud, error);
         if (input->port_ == nullptr) {
             return nullptr;

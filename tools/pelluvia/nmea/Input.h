@@ -25,9 +25,9 @@ class Input {
         Failed       ///< it cannot be read; see `failure`
     };
 
-    /// Opens the path; "-" is standard input. A terminal is taken for a serial device and set to
-    /// `baud` bits a second; for everything else the rate has no meaning. `wakeUp` is borrowed: a
-    /// descriptor that becomes, and stays, readable when reading is to stop, or -1.
+    /// Opens the path; "-" is standard input, as it is. A device must be a serial line, which is
+    /// set to `baud` bits a second; for files and pipes the rate has no meaning. `wakeUp` is
+    /// borrowed: a descriptor that becomes, and stays, readable when reading is to stop, or -1.
     ///
     /// Null when it cannot be opened; `error` then says why. Opening never waits: not for the
     /// writer of a named pipe, nor for a modem.

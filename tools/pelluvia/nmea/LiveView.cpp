@@ -51,7 +51,9 @@ void LiveView::show(const Tally &tally, const Epoch &epoch) {
         return;
     }
     std::string line(newLine);
-    line.append(std::to_string(tally.points)).append(" points, ").append(fixText(epoch));
+    line.append(std::to_string(tally.points))
+        .append(tally.points == 1 ? " point, " : " points, ")
+        .append(fixText(epoch));
     if (const auto &position = epoch.position(); position && !epoch.isVoid()) {
         line.append(", ").append(fixed(position->latitude, 5));
         line.append(" ").append(fixed(position->longitude, 5));

@@ -30,6 +30,7 @@ std::string textOf(const Tally &tally) {
     }
     text.append("; ").append(std::to_string(tally.badChecksum)).append(" with a bad checksum, ");
     text.append(std::to_string(tally.notUsed)).append(" not used");
+    addIfAny(text, tally.withoutFix, "moment", "without a fix");
     addIfAny(text, tally.garbage, "line", "of something else");
     addIfAny(text, tally.tooLong, "line", "too long");
     addIfAny(text, tally.incompleteRoutes, "route", "incomplete and left out");

@@ -17,6 +17,8 @@ struct Tally {
     std::int64_t waypoints = 0;
     std::int64_t routes = 0;
 
+    /// Epochs in which the receiver did not know where it was; they gave no point.
+    std::int64_t withoutFix = 0;
     /// Points whose time of day is known and whose date is not: they have no time.
     std::int64_t pointsWithoutDate = 0;
     /// Routes of which a part never came.

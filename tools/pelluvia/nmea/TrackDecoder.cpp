@@ -48,6 +48,7 @@ void TrackDecoder::close() {
     const Epoch epoch = std::exchange(epoch_, {});
     if (epoch.isVoid()) {
         hasLostFix_ = true;
+        sender_.addWithoutFix();
     } else if (const auto &position = epoch.position()) {
         sender_.add({.point = {.latitude = position->latitude,
                                .longitude = position->longitude,

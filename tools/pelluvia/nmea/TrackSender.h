@@ -41,6 +41,9 @@ class TrackSender {
 
     void add(const TrackSample &sample);
 
+    /// The receiver did not know where it was: there is no sample.
+    void addWithoutFix() noexcept { ++tally_.withoutFix; }
+
     /// The date has become known: earlier instants lack `shift`.
     void setDated(milliseconds shift);
 
