@@ -60,14 +60,14 @@ inline constexpr std::array<std::uint8_t, 256> byteClasses = [] {
     return at;
 }
 
-/// Searches eight bytes at a time, on any machine.
+/// Looks at blocks of eight bytes, on any machine.
 struct Words {
     static constexpr std::size_t width = 8;
 
-    /// The position of the first of eight bytes that is not plain, or 8. A set bit may follow the
-    /// first by mistake (a borrow runs upwards), but none precedes it.
+    /// Tells the bytes of a block that are not plain; 0 for none. A byte behind the first of them
+    /// may be among them by mistake (a borrow runs upwards).
     template <ByteClass plain>
-    [[nodiscard]] static std::size_t firstSpecial(const char *at) noexcept {
+    [[nodiscard]] static std::uint64_t special(const char *at) noexcept {
         const std::uint64_t word = load(at);
         std::uint64_t found =
             (word & highs) | below(word, 0x20) | equal(word, '<') | equal(word, '&');
@@ -76,12 +76,17 @@ struct Words {
         } else {
             found |= equal(word, '"') | equal(word, '\'');
         }
-        return static_cast<std::size_t>(std::countr_zero(found)) / 8;
+        return found;
+    }
+    /// The position of the first.
+    [[nodiscard]] static std::size_t first(std::uint64_t special) noexcept {
+        return static_cast<std::size_t>(std::countr_zero(special)) / 8;
     }
 
-    /// How many of eight bytes are plain text, up to the first that is not or that is not ASCII.
-    [[nodiscard]] static std::size_t textLength(const char *at) noexcept {
-        return firstSpecial<plainText>(at);
+    /// Tells the bytes of a block that are not plain text, as `special`, and those outside ASCII.
+    [[nodiscard]] static std::uint64_t unsettled(const char *at, bool &isCut) noexcept {
+        isCut = false;
+        return special<plainText>(at);
     }
 
     /// Whether `size` bytes agree. Up to seven bytes behind them are read on both sides.
@@ -121,12 +126,12 @@ struct Words {
 };
 
 #if defined(__SSE2__) && !defined(PELLUVIA_PORTABLE_SCAN)
-/// Searches sixteen bytes at a time with what every x86-64 has.
+/// Looks at blocks of sixteen bytes with what every x86-64 has.
 struct Vectors {
     static constexpr std::size_t width = 16;
 
     template <ByteClass plain>
-    [[nodiscard]] static std::size_t firstSpecial(const char *at) noexcept {
+    [[nodiscard]] static std::uint32_t special(const char *at) noexcept {
         const __m128i bytes = load(at);
         // Signed: bytes from 0x80 on are negative.
         __m128i found = _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20));
@@ -138,32 +143,32 @@ struct Vectors {
             found = _mm_or_si128(found, equal(bytes, '"'));
             found = _mm_or_si128(found, equal(bytes, '\''));
         }
-        constexpr unsigned none = 1U << width;
-        return static_cast<std::size_t>(std::countr_zero(mask(found) | none));
+        return mask(found);
+    }
+    [[nodiscard]] static std::size_t first(std::uint32_t special) noexcept {
+        return static_cast<std::size_t>(std::countr_zero(special));
     }
 
-    /// How many of sixteen bytes are plain text. Characters of two bytes count where they are right
-    /// and complete, which settles most texts that are not English.
-    [[nodiscard]] static std::size_t textLength(const char *at) noexcept {
+    /// Of a block that holds `special`: which of the bytes are more than characters of two bytes,
+    /// which settle most texts that are not English. 0 for none; `isCut` where the block ends
+    /// within such a character.
+    [[nodiscard]] static std::uint32_t unsettled(const char *at, bool &isCut) noexcept {
         const __m128i bytes = load(at);
         const __m128i controls =
             _mm_andnot_si128(bytes, _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20)));
         const __m128i markup =
             _mm_or_si128(_mm_or_si128(equal(bytes, '<'), equal(bytes, '&')), equal(bytes, ']'));
-        const std::uint32_t special = mask(_mm_or_si128(markup, controls)) | (1U << width);
-        const std::uint32_t multibyte = mask(bytes);
         // Signed: 0x80 to 0xBF, which continue a character, are below the others.
         const std::uint32_t continuing = mask(_mm_cmplt_epi8(bytes, _mm_set1_epi8(-0x40)));
         const __m128i fromC2 = _mm_cmpgt_epi8(bytes, _mm_set1_epi8(-0x3F));
         const __m128i belowE0 = _mm_cmplt_epi8(bytes, _mm_set1_epi8(-0x20));
         const std::uint32_t leading = mask(_mm_and_si128(fromC2, belowE0));
-        // Each that leads is followed by one that continues; wrong is what does not fit into that.
-        const std::uint32_t wrong =
-            (multibyte & ~(leading | continuing)) | ((leading << 1U) ^ continuing);
-        const std::uint32_t first = special | wrong;
-        const auto length = static_cast<std::size_t>(std::countr_zero(first));
-        // Where a continuation is missing, the one that leads is not right either.
-        return length - (length != 0 && ((leading >> (length - 1)) & 1U) != 0 ? 1 : 0);
+        isCut = leading >> (width - 1) != 0;
+        // Each that leads is followed by one that continues; where one is not, both are unsettled.
+        const std::uint32_t unpaired = (leading << 1U) ^ continuing;
+        return (mask(_mm_or_si128(markup, controls)) | (mask(bytes) & ~(leading | continuing)) |
+                unpaired | ((unpaired & (leading << 1U)) >> 1U)) &
+               0xFFFFU;
     }
 
     [[nodiscard]] static bool agree(const char *one, const char *other, std::size_t size) noexcept {
@@ -200,24 +205,28 @@ using Blocks = Words;
 #endif
 
 /// The first byte at or behind `at` that is not plain.
-template <ByteClass plain, class Width = Blocks>
+template <ByteClass plain, class Block = Blocks>
 [[nodiscard]] inline const char *findSpecial(const char *at) noexcept {
     while (true) {
-        const std::size_t first = Width::template firstSpecial<plain>(at);
-        at += first;
+        const auto special = Block::template special<plain>(at);
+        if (special == 0) {
+            at += Block::width;
+            continue;
+        }
+        at += Block::first(special);
         // Tabs and line ends look like the other control bytes to a block.
-        if (first != Width::width && !is(plain, *at)) {
+        if (!is(plain, *at)) {
             return at;
         }
-        at += first != Width::width ? 1 : 0;
+        ++at;
     }
 }
 
 /// Whether `size` bytes agree, at least one. Up to `padding` bytes behind them may be read on both
 /// sides.
-template <class Width = Blocks>
+template <class Block = Blocks>
 [[nodiscard]] inline bool agree(const char *one, const char *other, std::size_t size) noexcept {
-    return Width::agree(one, other, size);
+    return Block::agree(one, other, size);
 }
 
 } // namespace pelluvia::xml::scan

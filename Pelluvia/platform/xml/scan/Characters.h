@@ -16,14 +16,18 @@ namespace pelluvia::xml::scan {
 
 /// The first byte at or behind `at` that is no plain text, where all characters are plain that are
 /// not ASCII.
-template <class Width = Blocks>
+template <class Block = Blocks>
 [[nodiscard]] inline const char *skipText(const char *at) noexcept {
     while (true) {
-        const std::size_t length = Width::textLength(at);
-        at += length;
-        if (length == Width::width) {
+        // As long as the text goes on, what is added is a constant: so the look at the next block
+        // need not wait for this one.
+        bool isCut = false;
+        const auto unsettled = Block::unsettled(at, isCut);
+        if (unsettled == 0) {
+            at += isCut ? Block::width - 1 : Block::width;
             continue;
         }
+        at += Block::first(unsettled);
         if (is(plainText, *at)) { // a tab or line end, which a block takes for a control
             ++at;
             continue;

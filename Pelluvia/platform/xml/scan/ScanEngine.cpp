@@ -3,6 +3,7 @@
 #include <Pelluvia/platform/xml/scan/Characters.h>
 #include <Pelluvia/platform/xml/scan/ScanEngine.h>
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -36,6 +37,7 @@ ScanEngine::ScanEngine(XMLParser &parser, Source &source, XMLParserDelegate *del
       source_(source),
       input_(source),
       window_(input_, windowSize),
+      lookAhead_(static_cast<std::ptrdiff_t>(std::min(usualLookAhead, windowSize / 4))),
       vocabulary_(delegate_.vocabulary()),
       elements_(vocabulary_),
       memory_(vocabulary_),
@@ -64,14 +66,72 @@ Position ScanEngine::position() {
     return lines_->at(window_.offset(place_));
 }
 
-inline void ScanEngine::lookAhead() {
-    if (!window_.holds(usualLookAhead) && !window_.atEnd()) {
+inline bool ScanEngine::seesAhead() const noexcept {
+    return window_.holds(static_cast<std::size_t>(lookAhead_)) || window_.atEnd();
+}
+
+inline void ScanEngine::seeAhead() {
+    if (!seesAhead()) {
         window_.more();
     }
 }
 
+// The events, of which there are many: in front, so that they become one with what reports them.
+
+inline bool ScanEngine::reportStart(const Element &element,
+                                    std::span<const XMLAttribute> attributes, const char *place) {
+    textSize_ = 0;
+    reported_ = {.tags = reported_.tags + 1};
+    place_ = place;
+    if (namesOnly_) {
+        delegate_.didStartElement(parser_, element.name, XMLAttributes());
+        return !aborted_;
+    }
+    for (const Declaration &each : element.declarations) {
+        delegate_.didStartMappingPrefix(parser_, each.prefix, each.uri);
+        if (aborted_) {
+            return false;
+        }
+    }
+    delegate_.didStartElement(parser_, element.name, XMLAttributes(attributes));
+    return !aborted_;
+}
+
+inline bool ScanEngine::reportEnd(const Element &element, const char *place) {
+    if (!namesOnly_) {
+        reported_ = {.tags = reported_.tags + 1};
+        place_ = place;
+        delegate_.didEndElement(parser_, element.name);
+    }
+    return !aborted_;
+}
+
+inline bool ScanEngine::reportText(std::string_view text, const char *place) {
+    textSize_ += text.size();
+    if (textSize_ > longestText) {
+        return false;
+    }
+    if (!namesOnly_ && !text.empty()) {
+        reported_.text += text.size();
+        place_ = place;
+        delegate_.foundCharacters(parser_, text);
+    }
+    return !aborted_;
+}
+
+inline bool ScanEngine::reportKnown(const KnownTag &tag, const char *at, const char *end) {
+    if (tag.blankSize != 0 && !reportText({at, tag.blankSize}, at + tag.blankSize)) {
+        return false;
+    }
+    if (tag.kind == KnownTag::Kind::end) {
+        return reportEnd(*tag.element, end);
+    }
+    return reportStart(*tag.element, tag.attributes, end - tag.closeSize) &&
+           (tag.kind == KnownTag::Kind::start || reportEnd(*tag.element, end));
+}
+
 bool ScanEngine::readProlog() {
-    lookAhead();
+    seeAhead();
     if (begins(window_.cursor(), window_.end(), "<?xml ") == Look::complete &&
         !readXMLDeclaration()) {
         return false;
@@ -101,7 +161,7 @@ bool ScanEngine::readMiscellany() {
     const std::uint64_t begin = window_.offset(window_.cursor());
     while (window_.offset(window_.cursor()) - begin <= longestText) {
         window_.moveTo(skip(blank, window_.cursor()));
-        lookAhead();
+        seeAhead();
         const char *const at = window_.cursor();
         if (is(blank, *at)) {
             continue;
@@ -118,20 +178,50 @@ bool ScanEngine::readMiscellany() {
 
 bool ScanEngine::readContent() {
     while (open_ != nullptr) {
-        lookAhead();
-        const char *const at = window_.cursor();
-        if (*at != '<' && !is(blank, *at)) {
-            if (!readText()) {
-                return false;
-            }
-            continue;
+        seeAhead();
+        if (!readKnown()) {
+            return false;
         }
-        const char *end = nullptr;
-        KnownTag *const known = memory_.follow(lastTag_, at, end);
-        if (known != nullptr ? !reportKnown(*known, end) : !readUnknown()) {
+        if (open_ != nullptr && seesAhead() && !readUnknown()) {
             return false;
         }
     }
+    return true;
+}
+
+/// Known tags and plain texts, as far as they follow one another in what can be seen: almost all of
+/// most documents.
+bool ScanEngine::readKnown() {
+    if (lastTag_ == nullptr) {
+        return true;
+    }
+    const char *at = window_.cursor();
+    const char *const windowEnd = window_.end();
+    const std::ptrdiff_t enough = window_.atEnd() ? 0 : lookAhead_;
+    // Not in the member, which would be read again behind every event: each tag waits for the one
+    // before it.
+    KnownTag *last = lastTag_;
+    while (windowEnd - at >= enough) {
+        const char *end = nullptr;
+        if (KnownTag *const known = memory_.follow(*last, at, end)) {
+            last = known;
+            if (!reportKnown(*known, at, end)) {
+                return false;
+            }
+        } else {
+            end = skipText(at);
+            if (*end != '<' || end == at || is(blank, *at)) {
+                break;
+            }
+            if (!reportText({at, static_cast<std::size_t>(end - at)}, end)) {
+                return false;
+            }
+        }
+        at = end;
+    }
+    window_.moveTo(at);
+    lastTag_ = last;
+    open_ = last->inside();
     return true;
 }
 
@@ -291,68 +381,11 @@ bool ScanEngine::lookAgain(Look look) {
     return look == Look::cutOff && window_.more();
 }
 
-bool ScanEngine::reportKnown(KnownTag &tag, const char *end) {
-    const char *const begin = window_.cursor();
-    const Element &element = *tag.element;
-    lastTag_ = &tag;
-    open_ = tag.inside();
-    window_.moveTo(end);
-    if (tag.blankSize != 0 && !reportText({begin, tag.blankSize}, begin + tag.blankSize)) {
-        return false;
-    }
-    if (tag.kind == KnownTag::Kind::end) {
-        return reportEnd(element, end);
-    }
-    return reportStart(element, tag.attributes, end - tag.closeSize) &&
-           (tag.kind == KnownTag::Kind::start || reportEnd(element, end));
-}
-
-bool ScanEngine::reportStart(const Element &element, std::span<const XMLAttribute> attributes,
-                             const char *place) {
-    textSize_ = 0;
-    reported_ = {.tags = reported_.tags + 1};
-    place_ = place;
-    if (namesOnly_) {
-        delegate_.didStartElement(parser_, element.name, XMLAttributes());
-        return !aborted_;
-    }
-    for (const Declaration &each : element.declarations) {
-        delegate_.didStartMappingPrefix(parser_, each.prefix, each.uri);
-        if (aborted_) {
-            return false;
-        }
-    }
-    delegate_.didStartElement(parser_, element.name, XMLAttributes(attributes));
-    return !aborted_;
-}
-
-bool ScanEngine::reportEnd(const Element &element, const char *place) {
-    if (!namesOnly_) {
-        reported_ = {.tags = reported_.tags + 1};
-        place_ = place;
-        delegate_.didEndElement(parser_, element.name);
-    }
-    return !aborted_;
-}
-
 /// Reports what is between the cursor and `end`, and moves there.
 bool ScanEngine::reportTextTo(const char *end) {
     const std::string_view text(window_.cursor(), static_cast<std::size_t>(end - window_.cursor()));
     window_.moveTo(end);
     return reportText(text, end);
-}
-
-bool ScanEngine::reportText(std::string_view text, const char *place) {
-    textSize_ += text.size();
-    if (textSize_ > longestText) {
-        return false;
-    }
-    if (!namesOnly_ && !text.empty()) {
-        reported_.text += text.size();
-        place_ = place;
-        delegate_.foundCharacters(parser_, text);
-    }
-    return !aborted_;
 }
 
 void ScanEngine::forgetIfFull() {

@@ -60,6 +60,7 @@ class ScanEngine final : public Engine {
 
     // The steps through the content. A step that cannot see enough moves the window and takes
     // nothing: it is then taken again.
+    [[nodiscard]] bool readKnown();
     [[nodiscard]] bool readUnknown();
     [[nodiscard]] bool readText();
     [[nodiscard]] bool readStart(char *at);
@@ -70,7 +71,7 @@ class ScanEngine final : public Engine {
     [[nodiscard]] bool lookAgain(Look look);
 
     // Events. All return false when the delegate has aborted.
-    [[nodiscard]] bool reportKnown(KnownTag &tag, const char *end);
+    [[nodiscard]] bool reportKnown(const KnownTag &tag, const char *at, const char *end);
     [[nodiscard]] bool reportStart(const Element &element, std::span<const XMLAttribute> attributes,
                                    const char *place);
     [[nodiscard]] bool reportEnd(const Element &element, const char *place);
@@ -79,8 +80,9 @@ class ScanEngine final : public Engine {
     [[nodiscard]] bool reportText(std::string_view text, const char *place);
     [[nodiscard]] std::span<const XMLAttribute> collectAttributes();
 
-    /// Sees to it that what comes next is in the window, unless it is unusually large.
-    void lookAhead();
+    /// Whether what comes next is in the window, unless it is unusually large.
+    [[nodiscard]] bool seesAhead() const noexcept;
+    void seeAhead();
     void forgetIfFull();
 
     XMLParser &parser_;
@@ -90,6 +92,7 @@ class ScanEngine final : public Engine {
     Source &source_;
     Input input_;
     Window window_;
+    const std::ptrdiff_t lookAhead_; ///< bytes
     const Vocabulary vocabulary_;
     ElementTree elements_;
     TagMemory memory_;

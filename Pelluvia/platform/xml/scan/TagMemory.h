@@ -64,9 +64,9 @@ class TagMemory {
   public:
     explicit TagMemory(const Vocabulary &vocabulary) : vocabulary_(vocabulary) {}
 
-    /// The tag at `at` if it is one that has followed `previous` (null for none); `end` is then the
-    /// place behind it. Null if it is not.
-    [[nodiscard]] KnownTag *follow(const KnownTag *previous, const char *at,
+    /// The tag at `at` if it is one that has followed `previous`; `end` is then the place behind
+    /// it. Null if it is not.
+    [[nodiscard]] KnownTag *follow(const KnownTag &previous, const char *at,
                                    const char *&end) noexcept;
 
     /// To be called for each tag that `follow` did not find: whether it is to be learned.
@@ -131,12 +131,9 @@ inline const char *KnownTag::match(const char *at) noexcept {
     return at;
 }
 
-inline KnownTag *TagMemory::follow(const KnownTag *previous, const char *at,
+inline KnownTag *TagMemory::follow(const KnownTag &previous, const char *at,
                                    const char *&end) noexcept {
-    if (previous == nullptr) {
-        return nullptr;
-    }
-    for (KnownTag *const each : previous->followers) {
+    for (KnownTag *const each : previous.followers) {
         if (each == nullptr) {
             return nullptr;
         }
