@@ -1,6 +1,7 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
+#include <Pelluvia/gpximport/internal/TextElements.h>
 #include <Pelluvia/model/ErrorDomains.h>
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/TransferKind.h>
@@ -156,7 +157,6 @@ ErrorPtr GPXFileImporter::runParser(std::int32_t kind) {
     recno = 0;
     mode = kind;
     lastError = nullptr;
-    openTextElements = 0; // an earlier pass may have stopped inside of some
     const auto readURL = fileURL();
     const auto parser = parserOf(readURL, *this);
     if (parser != nullptr && readURL == countedURL) {
@@ -217,6 +217,10 @@ void GPXFileImporter::didStartMappingPrefix(XMLParser & /*parser*/, std::string_
 
 XMLVocabulary GPXFileImporter::vocabulary() const {
     return gpxVocabulary::vocabulary;
+}
+
+bool GPXFileImporter::wantsTextIn(const XMLElement &element) const {
+    return usesText(element);
 }
 
 bool GPXFileImporter::sends(std::int32_t kind) const noexcept {

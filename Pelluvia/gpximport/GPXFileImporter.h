@@ -106,6 +106,7 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
 
     // The parser's side.
     [[nodiscard]] XMLVocabulary vocabulary() const override;
+    [[nodiscard]] bool wantsTextIn(const XMLElement &element) const override;
     void didStartElement(XMLParser &parser, const XMLElement &element,
                          const XMLAttributes &attributes) override;
     void didEndElement(XMLParser &parser, const XMLElement &element) override;
@@ -144,12 +145,6 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     void endGeocache(const XMLElement &element);
     void endGPXData(const XMLElement &element) noexcept;
     void endGPX(const XMLElement &element);
-    /// What the parser reports at the end of an element, apart from the collecting of text.
-    void endElement(const XMLElement &element);
-    void emptyText() noexcept {
-        currentStringValue.clear();
-        currentTextSize = 0;
-    }
     // The values of the collected text; all but `takeText` empty it.
     void takeText(CollectedText &field);
     template <class Number>
@@ -220,12 +215,9 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     /// Whether the current trk or rte has been announced.
     bool trackStarted = false;
     bool routeStarted = false;
-    /// The text since the last start of an element. One buffer, emptied and never given back.
-    /// Collected inside elements that use their text; elsewhere only its size is counted.
+    /// The text since the last start of an element, inside elements that use their text. One
+    /// buffer, emptied and never given back.
     std::string currentStringValue;
-    std::size_t currentTextSize = 0;
-    /// How many of the open elements use their text.
-    std::size_t openTextElements = 0;
 
     // Collected for the current waypoint, route point, track point, route or track.
     CollectedText number;

@@ -1,7 +1,6 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
-#include <Pelluvia/gpximport/internal/TextElements.h>
 #include <Pelluvia/platform/XMLParser.h>
 
 /// \file
@@ -15,21 +14,13 @@ using gpxVocabulary::Namespace;
 
 void GPXFileImporter::foundCharacters(XMLParser &parser, std::string_view characters) {
     // The parser limits a text between two tags; here several can add up.
-    if (characters.size() > xmlLimits::textSize - currentTextSize) {
+    if (characters.size() > xmlLimits::textSize - currentStringValue.size()) {
         return abortParser(parser, "text of an element is too long");
     }
-    currentTextSize += characters.size();
-    if (openTextElements != 0) {
-        currentStringValue.append(characters);
-    }
+    currentStringValue.append(characters);
 }
 
 void GPXFileImporter::didEndElement(XMLParser & /*parser*/, const XMLElement &element) {
-    endElement(element);
-    openTextElements -= usesText(element) ? std::size_t{1} : 0;
-}
-
-void GPXFileImporter::endElement(const XMLElement &element) {
     switch (gpxVocabulary::namespaceOf(element)) {
     case Namespace::GarminExtensions:
         if (endGarminExtension(element)) {
@@ -55,7 +46,7 @@ void GPXFileImporter::endElement(const XMLElement &element) {
 template <class Number>
 void GPXFileImporter::takeNumber(CollectedNumber<Number> &field) noexcept {
     field.set(currentStringValue);
-    emptyText();
+    currentStringValue.clear();
 }
 
 bool GPXFileImporter::endGarminExtension(const XMLElement &element) noexcept {
@@ -243,12 +234,12 @@ void GPXFileImporter::takeText(CollectedText &field) {
 
 void GPXFileImporter::takeAltitude() noexcept {
     currentPoint.setAltitude(currentStringValue);
-    emptyText();
+    currentStringValue.clear();
 }
 
 void GPXFileImporter::takeTime() noexcept {
     currentPoint.setTime(currentStringValue);
-    emptyText();
+    currentStringValue.clear();
 }
 
 } // namespace pelluvia

@@ -1,7 +1,6 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
-#include <Pelluvia/gpximport/internal/TextElements.h>
 
 /// \file
 /// The importer at the start of elements: flags, attributes, and the tests of nesting.
@@ -15,8 +14,7 @@ using gpxVocabulary::Namespace;
 
 void GPXFileImporter::didStartElement(XMLParser &parser, const XMLElement &element,
                                       const XMLAttributes &attributes) {
-    emptyText();
-    openTextElements += usesText(element) ? std::size_t{1} : 0;
+    currentStringValue.clear();
     switch (gpxVocabulary::namespaceOf(element)) {
     case Namespace::GarminExtensions:
         return startGarminExtension(element);

@@ -234,12 +234,21 @@ TEST(ElementEnd, NeverPassesACourseOn) {
                 ElementsAre("newTrack: {name: \"A\"}", "newTrackSegment"));
 }
 
+TEST(ElementEnd, PassesOverTextThatNothingUses) {
+    const std::string half(xmlLimits::textSize / 2 + 1, 'x');
+    Importing importing(onlyWaypoints);
+    const auto imported = importing.document(
+        gpx("<wpt>" + half + "<a><b></b>" + half + "</a>" + half + "<name>n</name></wpt>"));
+    EXPECT_EQ(imported.result, nullptr);
+    EXPECT_THAT(imported.data(), ElementsAre(::testing::HasSubstr("name")));
+}
+
 TEST(ElementEnd, StopsAtTextThatGrowsBeyondTheLimitOverManyEnds) {
     // Each text is within the parser's limit; no start of an element empties them.
     const std::string half(xmlLimits::textSize / 2 + 1, 'x');
     Importing importing(onlyWaypoints);
     const auto imported =
-        importing.document(gpx("<wpt><a><b></b>" + half + "</a>" + half + "</wpt>"));
+        importing.document(gpx("<wpt><desc><a><b></b>" + half + "</a>" + half + "</desc></wpt>"));
     ASSERT_NE(imported.result, nullptr);
     EXPECT_EQ(imported.result->code(), NSXMLParserDelegateAbortedParseError);
     EXPECT_THAT(imported.data(), ElementsAre(::testing::HasSubstr("text of an element is too "

@@ -53,6 +53,10 @@ inline void Sax2Engine::startElement(const xmlParserCtxt &context, const xmlChar
     }
     XMLElement &element = open_[depth_++];
     fill(element, localName, prefix, uri);
+    if (!namesOnly_) {
+        wantsText_[depth_ - 1] =
+            (depth_ > 1 && wantsText_[depth_ - 2]) || delegate_.wantsTextIn(element);
+    }
     if (wasReported()) {
         return;
     }
@@ -102,7 +106,7 @@ inline void Sax2Engine::characters(std::string_view text) {
     if (textSize_ > xmlLimits::textSize) {
         return fail({XML_ERR_INTERNAL_ERROR, "Text too long"});
     }
-    if (reported_.tags != 0) {
+    if (reported_.tags != 0 || !wantsText_[depth_ - 1]) {
         return;
     }
     if (reported_.text != 0) {

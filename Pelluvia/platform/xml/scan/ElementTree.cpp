@@ -104,6 +104,8 @@ std::unique_ptr<Element> ElementTree::make(Element *parent, const StartTag &tag)
     name.namespaceURI = uriOf(name.prefix, element.get());
     name.nameNumber = vocabulary_.name(name.localName);
     name.namespaceNumber = vocabulary_.uri(name.namespaceURI);
+    element->wantsText = textDelegate_ != nullptr && ((parent != nullptr && parent->wantsText) ||
+                                                      textDelegate_->wantsTextIn(name));
     return element;
 }
 

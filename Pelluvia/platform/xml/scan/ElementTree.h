@@ -29,6 +29,7 @@ struct Element {
     std::string_view qualifiedName;
     std::vector<Declaration> declarations;
     std::size_t declared = 0; ///< declarations in force: these and those around it
+    bool wantsText = false;   ///< the text in it is reported
     std::string text;         ///< what the views are on, but for those on other elements
 };
 
@@ -36,7 +37,9 @@ struct Element {
 /// branch.
 class ElementTree {
   public:
-    explicit ElementTree(const Vocabulary &vocabulary) : vocabulary_(vocabulary) {}
+    /// `textDelegate`, if any, is asked in which elements it wants the text.
+    ElementTree(const Vocabulary &vocabulary, const XMLParserDelegate *textDelegate)
+        : vocabulary_(vocabulary), textDelegate_(textDelegate) {}
 
     /// The element of a start tag inside `parent` (null for a root), the same one for the same tag.
     /// Null when it cannot be read here: it is nested too deep, or its namespaces are unusual.
@@ -69,6 +72,7 @@ class ElementTree {
     [[nodiscard]] std::unique_ptr<Element> make(Element *parent, const StartTag &tag) const;
 
     const Vocabulary &vocabulary_;
+    const XMLParserDelegate *const textDelegate_;
     std::unordered_map<Key, std::unique_ptr<Element>, Hash> elements_;
     std::size_t textSize_ = 0;
     std::string key_; ///< scratch

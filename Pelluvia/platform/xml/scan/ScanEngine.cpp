@@ -39,7 +39,7 @@ ScanEngine::ScanEngine(XMLParser &parser, Source &source, XMLParserDelegate *del
       window_(input_, windowSize),
       lookAhead_(static_cast<std::ptrdiff_t>(std::min(usualLookAhead, windowSize / 4))),
       vocabulary_(delegate_.vocabulary()),
-      elements_(vocabulary_),
+      elements_(vocabulary_, namesOnly_ ? nullptr : &delegate_),
       memory_(vocabulary_),
       place_(window_.cursor()) {}
 
@@ -111,7 +111,7 @@ inline bool ScanEngine::reportText(std::string_view text, const char *place) {
     if (textSize_ > longestText) {
         return false;
     }
-    if (!namesOnly_ && !text.empty()) {
+    if (!text.empty()) {
         reported_.text += text.size();
         place_ = place;
         delegate_.foundCharacters(parser_, text);
@@ -213,7 +213,7 @@ bool ScanEngine::readKnown() {
             if (*end != '<' || end == at || is(blank, *at)) {
                 break;
             }
-            if (!reportText({at, static_cast<std::size_t>(end - at)}, end)) {
+            if (last->wantsText && !reportText({at, static_cast<std::size_t>(end - at)}, end)) {
                 return false;
             }
         }
@@ -271,7 +271,7 @@ bool ScanEngine::readText() {
 
 /// Reports the text up to behind the last reference in front of `end`.
 bool ScanEngine::reportReferencesTo(const char *end) {
-    while (!namesOnly_) {
+    while (open_->wantsText) {
         const auto size = static_cast<std::size_t>(end - window_.cursor());
         const char *at = static_cast<const char *>(std::memchr(window_.cursor(), '&', size));
         if (at == nullptr) {
@@ -374,7 +374,7 @@ bool ScanEngine::readCDATA() {
         return lookAgain(look);
     }
     window_.moveTo(after);
-    return reportText(text, after);
+    return !wantsText() || reportText(text, after);
 }
 
 bool ScanEngine::lookAgain(Look look) {
@@ -385,7 +385,7 @@ bool ScanEngine::lookAgain(Look look) {
 bool ScanEngine::reportTextTo(const char *end) {
     const std::string_view text(window_.cursor(), static_cast<std::size_t>(end - window_.cursor()));
     window_.moveTo(end);
-    return reportText(text, end);
+    return !wantsText() || reportText(text, end);
 }
 
 void ScanEngine::forgetIfFull() {

@@ -75,6 +75,8 @@ class ScanEngine final : public Engine {
     [[nodiscard]] bool reportStart(const Element &element, std::span<const XMLAttribute> attributes,
                                    const char *place);
     [[nodiscard]] bool reportEnd(const Element &element, const char *place);
+    /// Whether the text at the cursor is reported.
+    [[nodiscard]] bool wantsText() const noexcept { return open_ != nullptr && open_->wantsText; }
     [[nodiscard]] bool reportReferencesTo(const char *end);
     [[nodiscard]] bool reportTextTo(const char *end);
     [[nodiscard]] bool reportText(std::string_view text, const char *place);

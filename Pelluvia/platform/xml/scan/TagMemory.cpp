@@ -30,7 +30,12 @@ bool fits(const char *begin, const char *end) noexcept {
 void setFrame(KnownTag &known, const char *begin, KnownTag::Kind kind, Element *element) noexcept {
     known.kind = kind;
     known.element = element;
-    known.blankSize = static_cast<std::uint8_t>(distance(begin, skip(blank, begin)));
+    const Element *const outside = kind == KnownTag::Kind::end ? element : element->parent;
+    const Element *const inside = known.inside();
+    if (outside != nullptr && outside->wantsText) {
+        known.blankSize = static_cast<std::uint8_t>(distance(begin, skip(blank, begin)));
+    }
+    known.wantsText = inside != nullptr && inside->wantsText;
 }
 
 /// Whether the tag can be compared as a whole; writes its text with a zero for each value.

@@ -34,7 +34,8 @@ struct KnownTag {
 
     Literal literal; ///< the first
     Kind kind = Kind::start;
-    std::uint8_t blankSize = 0;    ///< of the white space in front
+    std::uint8_t blankSize = 0;    ///< of the white space in front, if that is reported
+    bool wantsText = false;        ///< text behind the tag is reported
     std::uint8_t closeSize = 0;    ///< of `>` or `/>`
     Element *element = nullptr;    ///< the one that starts or ends
     std::vector<Literal> literals; ///< behind each value
