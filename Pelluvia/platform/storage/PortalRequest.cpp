@@ -116,6 +116,10 @@ void PortalRequest::connected(GObject * /*source*/, GAsyncResult *result, gpoint
         self.fail(openPanelError::noSessionBus, error->message);
         return;
     }
+    if (g_dbus_connection_is_closed(self.connection_.get()) != FALSE) {
+        self.fail(openPanelError::portalGone, "");
+        return;
+    }
     self.watchOwner();
     self.askVersion();
 }
@@ -306,7 +310,9 @@ void PortalRequest::finish(const PortalAnswer &answer) {
     if (connection_ != nullptr) {
         stopListening(ownerSubscription_);
         stopListening(responseSubscription_);
-        g_signal_handler_disconnect(connection_.get(), std::exchange(closedSignal_, 0));
+        if (closedSignal_ != 0) {
+            g_signal_handler_disconnect(connection_.get(), std::exchange(closedSignal_, 0));
+        }
         g_dbus_connection_close(connection_.get(), nullptr, nullptr, nullptr);
     }
     try {
