@@ -83,7 +83,7 @@ class DesktopPortal : public testing::OwnDefaults {
         ::unsetenv("WAYLAND_DISPLAY"); // NOLINT(concurrency-mt-unsafe)
         ::unsetenv("LD_PRELOAD");      // NOLINT(concurrency-mt-unsafe)
         server.emplace(std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen", "0",
-                                                "1000x700x24", "-nolisten", "tcp"});
+                                                "1000x700x24", "-nolisten", "tcp", "-noreset"});
         const std::string display = server->readLine(); // says it when it takes connections
         ASSERT_NE(display, "");
         set("DISPLAY", ":" + display);
