@@ -1,6 +1,6 @@
-# What `cmake --install` puts under the prefix: the shared library, the public headers, the CMake
-# package and pelluvia.pc. The package asks for nothing: the XML library is the shared library's own
-# business.
+# What `cmake --install` puts under the prefix: the shared libraries, the public headers, the CMake
+# package, pelluvia.pc and pelluvia-storage.pc. The package asks for nothing: the XML library and GIO
+# are the shared libraries' own business.
 
 option(PELLUVIA_INSTALL "Install the framework" ${PROJECT_IS_TOP_LEVEL})
 if(NOT PELLUVIA_INSTALL)
@@ -16,6 +16,10 @@ install(TARGETS Pelluvia EXPORT PelluviaTargets
 # named ...Internal.h, are not installed.
 file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/Pelluvia/*/*.h)
 list(FILTER headers EXCLUDE REGEX "Internal\\.h$")
+if(NOT TARGET PelluviaStorage)
+    list(FILTER headers EXCLUDE REGEX
+        "^Pelluvia/(storage/.*|platform/(UserDefaults|Bookmark|OpenPanel))\\.h$")
+endif()
 foreach(header IN LISTS headers)
     cmake_path(GET header PARENT_PATH folder)
     install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
@@ -24,6 +28,11 @@ install(FILES ${PROJECT_BINARY_DIR}/generated/Pelluvia/model/GPXDataHost.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/Pelluvia/model)
 
 install(EXPORT PelluviaTargets NAMESPACE Pelluvia:: DESTINATION ${package_folder})
+if(TARGET PelluviaStorage)
+    install(TARGETS PelluviaStorage EXPORT PelluviaStorageTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(EXPORT PelluviaStorageTargets NAMESPACE Pelluvia:: DESTINATION ${package_folder})
+endif()
 configure_package_config_file(
     ${CMAKE_CURRENT_LIST_DIR}/PelluviaConfig.cmake.in ${PROJECT_BINARY_DIR}/PelluviaConfig.cmake
     INSTALL_DESTINATION ${package_folder})
@@ -45,5 +54,11 @@ else()
     set(pc_libdir "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
     set(pc_includedir "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
 endif()
-configure_file(${CMAKE_CURRENT_LIST_DIR}/pelluvia.pc.in ${PROJECT_BINARY_DIR}/pelluvia.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/pelluvia.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(pc_files pelluvia)
+if(TARGET PelluviaStorage)
+    list(APPEND pc_files pelluvia-storage)
+endif()
+foreach(each IN LISTS pc_files)
+    configure_file(${CMAKE_CURRENT_LIST_DIR}/${each}.pc.in ${PROJECT_BINARY_DIR}/${each}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${each}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()

@@ -15,6 +15,17 @@ endif()
 find_package(LibXml2 REQUIRED)
 find_package(Threads REQUIRED)
 
+# The storage component is built where GIO is there.
+if(PELLUVIA_BUILD_STORAGE)
+    find_package(PkgConfig QUIET)
+    if(PkgConfig_FOUND)
+        pkg_check_modules(GIO QUIET IMPORTED_TARGET gio-2.0)
+    endif()
+    if(NOT TARGET PkgConfig::GIO)
+        message(STATUS "GIO (libglib2.0-dev and pkg-config) is not there: the storage component is left out")
+    endif()
+endif()
+
 # Linked privately by every target of ours and never exported.
 add_library(pelluvia_options INTERFACE)
 target_compile_options(pelluvia_options INTERFACE

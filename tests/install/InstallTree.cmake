@@ -11,10 +11,10 @@ foreach(each IN LISTS headers)
         message(FATAL_ERROR "${each} is not a public header")
     endif()
 endforeach()
-# What is installed must neither lead back to where it was built nor ask for the XML library.
+# What is installed must neither lead back to where it was built nor ask for the libraries behind it.
 file(GLOB_RECURSE texts ${LIBDIR}/*.cmake ${LIBDIR}/*.pc)
 foreach(each IN LISTS texts)
-    file(STRINGS ${each} found REGEX "${BUILD}|[Xx][Mm][Ll]2")
+    file(STRINGS ${each} found REGEX "${BUILD}|[Xx][Mm][Ll]2|gio-2|glib-2|PkgConfig")
     if(found)
         message(FATAL_ERROR "${each}: ${found}")
     endif()

@@ -1,6 +1,5 @@
 #include <Pelluvia/platform/Localization.h>
 
-#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -8,40 +7,11 @@
 #include <map>
 #include <string>
 #include <tests/support/MadeLocale.h>
+#include <tests/support/MessageCatalogue.h>
 #include <tests/support/TemporaryFolder.h>
 
 namespace pelluvia {
 namespace {
-
-/// A message catalogue in the binary form that gettext reads (in the byte order of this machine):
-/// a head of seven numbers, for each text its length and place, the same for the translations, and
-/// the texts themselves, each closed by a NUL and sorted.
-std::string catalogue(const std::map<std::string, std::string> &translations) {
-    const auto count = static_cast<std::uint32_t>(translations.size());
-    const std::uint32_t head = 28;
-    const std::uint32_t table = 8 * count;
-    std::string texts;
-    std::string tables[2];
-    const auto number = [](std::string &target, std::size_t value) {
-        const auto narrow = static_cast<std::uint32_t>(value);
-        target.append(reinterpret_cast<const char *>(&narrow), sizeof narrow); // NOLINT
-    };
-    const auto add = [&](std::string &target, const std::string &text) {
-        number(target, text.size());
-        number(target, head + 2 * table + texts.size());
-        texts += text + '\0';
-    };
-    for (const auto &[text, translation] : translations) {
-        add(tables[0], text);
-        add(tables[1], translation);
-    }
-    std::string file;
-    for (const std::uint32_t value :
-         {0x950412DEU, 0U, count, head, head + table, 0U, head + 2 * table}) {
-        number(file, value);
-    }
-    return file + tables[0] + tables[1] + texts;
-}
 
 const std::map<std::string, std::string> german = {
     {"", "Content-Type: text/plain; charset=UTF-8\n"},
@@ -54,9 +24,9 @@ class Catalogues {
     Catalogues() {
         const auto messages = folder_.path() / "de" / "LC_MESSAGES";
         std::filesystem::create_directories(messages);
-        testing::writeFile(messages / "Pelluvia.mo", catalogue(german));
-        testing::writeFile(messages / "host.mo", catalogue({{"Open", "\xC3\x96"
-                                                                     "ffnen"}}));
+        testing::writeFile(messages / "Pelluvia.mo", testing::messageCatalogue(german));
+        testing::writeFile(messages / "host.mo", testing::messageCatalogue({{"Open", "\xC3\x96"
+                                                                                     "ffnen"}}));
         ::unsetenv("LANGUAGE"); // NOLINT(concurrency-mt-unsafe)
         ::bindtextdomain(frameworkTextDomain, folder_.path().c_str());
         ::bindtextdomain("host", folder_.path().c_str());

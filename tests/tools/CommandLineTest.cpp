@@ -155,6 +155,18 @@ TEST(CommandLine, InfoTakesAnyNumberOfFiles) {
     EXPECT_TRUE(options->json);
 }
 
+TEST(CommandLine, AuthorizeAndAuthorizedTakeAFolderAsItIs) {
+    for (const auto &[command, isQuestion] :
+         std::vector<std::pair<const char *, bool>>{{"authorize", false}, {"authorized", true}}) {
+        const Command parsedCommand = parsed({command, "-v", "~/GPS/"});
+        const auto *options = std::get_if<StorageOptions>(&parsedCommand);
+        ASSERT_NE(options, nullptr);
+        EXPECT_EQ(options->folder, "~/GPS/");
+        EXPECT_EQ(options->isQuestion, isQuestion);
+        EXPECT_TRUE(options->verbose);
+    }
+}
+
 struct Wrong {
     std::vector<const char *> arguments;
     const char *reason;
@@ -194,6 +206,8 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"convert", "--creator", "a\nb", "a.gpx", "b.gpx"}, "--creator", convertUsage},
         Wrong{{"convert", "--creator", "\xFF", "a.gpx", "b.gpx"}, "--creator", convertUsage},
         Wrong{{"convert", "-", "-", "b.gpx"}, "only once", convertUsage},
+        Wrong{{"authorize"}, "a folder is needed", "Usage: pelluvia authorize [-v] FOLDER"},
+        Wrong{{"authorized", "a", "b"}, "b", "Usage: pelluvia authorized [-v] FOLDER"},
         Wrong{{"info"}, "a file is needed", infoUsage},
         Wrong{{"info", "-", "-"}, "only once", infoUsage},
         Wrong{{"info", "--xml", "a.gpx"}, "--xml", infoUsage}));
@@ -204,6 +218,8 @@ TEST(CommandLine, HelpIsAnsweredForTheProgramAndForEachCommand) {
              {{"--help"}, "convert"},
              {{"convert", "--help"}, "Exit status:"},
              {{"info", "-h"}, "Exit status:"},
+             {{"authorize", "-h"}, "Exit status:"},
+             {{"authorized", "-h"}, "Exit status:"},
              {{"convert", "--help", "--nonsense"}, convertUsage}}) {
         const Answer answer = answerTo(arguments);
         EXPECT_EQ(answer.status, 0);

@@ -302,6 +302,27 @@ CLI::App *addInfo(CLI::App &app, Arguments &arguments) {
     return command;
 }
 
+CLI::App *addStorage(CLI::App &app, Arguments &arguments, const char *name,
+                     const char *description) {
+    CLI::App *command = app.add_subcommand(name, description);
+    command->footer(
+        std::string(name == std::string_view("authorize") ? authorizeFooter : authorizedFooter));
+    command->add_flag("-v,--verbose", arguments.verbose,
+                      "Log lines on standard error, not in the system log");
+    command
+        ->add_option("FOLDER", arguments.files,
+                     "The folder's path, as it was and will be asked for")
+        ->option_text(" ")
+        ->required()
+        ->expected(1);
+    return command;
+}
+
+StorageOptions storageOptions(const Arguments &arguments, bool isQuestion) {
+    return {
+        .folder = arguments.files.front(), .isQuestion = isQuestion, .verbose = arguments.verbose};
+}
+
 /// A complaint about the usage of the command that was named, or of the program.
 Answer complaintOf(const CLI::App &app, const std::string &message) {
     const auto named = app.get_subcommands();
@@ -321,7 +342,7 @@ std::string whatIsMissing(const CLI::App &app) {
         return missingFilesOf(named.back()->get_name());
     }
     const std::vector<std::string> rest = app.remaining();
-    return rest.empty() ? "a command is needed: convert or info"
+    return rest.empty() ? "a command is needed: convert, info, authorize or authorized"
                         : "there is no command or option \"" + rest.front() + "\"";
 }
 
@@ -344,10 +365,15 @@ Command parseCommandLine(int argc, const char *const *argv) {
     app.footer(std::string(programFooter));
     app.require_subcommand(1);
     const CLI::App *convert = addConvert(app, arguments);
-    addInfo(app, arguments);
+    const CLI::App *info = addInfo(app, arguments);
+    addStorage(app, arguments, "authorize", "Ask for access to a folder");
+    const CLI::App *authorized =
+        addStorage(app, arguments, "authorized", "Show the folder that was granted");
     try {
         app.parse(argc, argv);
-        return *convert ? Command(convertOptions(arguments)) : Command(infoOptions(arguments));
+        return *convert ? Command(convertOptions(arguments))
+               : *info  ? Command(infoOptions(arguments))
+                        : Command(storageOptions(arguments, static_cast<bool>(*authorized)));
     } catch (const CLI::Success &request) {
         return answerOf(app, request);
     } catch (const CLI::RequiredError &) {

@@ -16,17 +16,24 @@ namespace pelluvia::host {
     if (command == "info") {
         return "pelluvia info [OPTIONS] FILE...";
     }
+    if (command == "authorize") {
+        return "pelluvia authorize [-v] FOLDER";
+    }
+    if (command == "authorized") {
+        return "pelluvia authorized [-v] FOLDER";
+    }
     return "pelluvia COMMAND ... | --version | --help";
 }
 
 /// What to say when a command is called without its files.
 [[nodiscard]] inline std::string missingFilesOf(std::string_view command) {
     return command == "convert" ? "a source and a target are needed"
-                                : "a file is needed; - is standard input";
+           : command == "info"  ? "a file is needed; - is standard input"
+                                : "a folder is needed";
 }
 
 inline constexpr std::string_view programFooter =
-    R"(Each command has its own page: pelluvia convert --help, pelluvia info --help.
+    R"(Each command has its own page, for instance: pelluvia convert --help.
 
 Examples:
   pelluvia convert ride.gpx clean.gpx
@@ -84,5 +91,34 @@ Exit status:
 Examples:
   pelluvia info *.gpx
   pelluvia info --json ride.gpx | jq .tracks)";
+
+inline constexpr std::string_view authorizeFooter =
+    R"(Asks the user, with the desktop's own panel, for access to a folder, keeps what was
+granted, and prints its URL. The user may choose another folder than the one named;
+it is then the one that is granted for this name. Two spellings of a folder are two
+names, so give the whole path.
+
+Needs the storage component of Pelluvia and a desktop with a portal.
+
+Exit status:
+  0  done
+  1  no folder was granted: cancelled, or nobody can be asked here
+  2  wrong usage
+  3  the grant could not be kept, or the result not be written
+
+Example:
+  pelluvia authorize ~/GPS)";
+
+inline constexpr std::string_view authorizedFooter =
+    R"(Prints the URL of the folder that was granted for the name with pelluvia authorize.
+
+Exit status:
+  0  there is a grant, and its folder is there and can be read
+  1  there is none
+  2  wrong usage
+  3  the result could not be written
+
+Example:
+  pelluvia authorized ~/GPS)";
 
 } // namespace pelluvia::host

@@ -62,6 +62,13 @@ struct InfoOptions {
     bool verbose = false;
 };
 
+/// `authorize` or `authorized`.
+struct StorageOptions {
+    std::string folder;
+    bool isQuestion = false; ///< `authorized`: only say what has been granted
+    bool verbose = false;
+};
+
 /// A command line that is answered at once: help, the version, or a complaint about the usage.
 struct Answer {
     int status = 0;
@@ -69,6 +76,6 @@ struct Answer {
     std::string complaint;
 };
 
-using Command = std::variant<ConvertOptions, InfoOptions, Answer>;
+using Command = std::variant<ConvertOptions, InfoOptions, StorageOptions, Answer>;
 
 } // namespace pelluvia::host

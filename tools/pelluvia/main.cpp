@@ -5,6 +5,7 @@
 #include <tools/pelluvia/Messages.h>
 #include <tools/pelluvia/Process.h>
 #include <tools/pelluvia/StandardOutput.h>
+#include <tools/pelluvia/StorageHelper.h>
 
 #include <exception>
 #include <new>
@@ -28,6 +29,10 @@ int run(const InfoOptions &options) {
         showLogLines();
     }
     return info(options);
+}
+
+int run(const StorageOptions &options) {
+    return becomeStorageHelper(options);
 }
 
 int run(const Answer &answer) {
