@@ -324,7 +324,7 @@ bool ScanEngine::reportEnd(const Element &element, const char *place) {
 bool ScanEngine::reportTextTo(const char *end) {
     const std::string_view text(window_.cursor(), static_cast<std::size_t>(end - window_.cursor()));
     window_.moveTo(end);
-    return reportText(text, end);
+    return text.empty() || reportText(text, end);
 }
 
 bool ScanEngine::reportText(std::string_view text, const char *place) {
@@ -332,7 +332,7 @@ bool ScanEngine::reportText(std::string_view text, const char *place) {
     if (textSize_ > longestText) {
         return false;
     }
-    if (!namesOnly_ && !text.empty()) {
+    if (!namesOnly_) {
         place_ = place;
         delegate_.foundCharacters(parser_, text);
     }
