@@ -111,11 +111,15 @@ ErrorPtr XMLParser::readUnknown() {
     }
     engine_.reset();
     source_ = std::move(sourceForMore);
+    if (reportedElements != 0 && fileHasChanged()) {
+        return changeError(); // the library would not go on where the scanner was
+    }
     return outcome == Scanned::refused ? readWithLibrary(reportedElements) : readKnown();
 }
 
 ErrorPtr XMLParser::readKnown() {
-    ErrorPtr error = file_.reader_ == Reader::scanner ? readWithScanner() : readWithLibrary(0);
+    const bool isScanned = file_.reader_ == Reader::scanner && mayScan();
+    ErrorPtr error = isScanned ? readWithScanner() : readWithLibrary(0);
     return fileHasChanged() ? changeError() : error;
 }
 
@@ -132,7 +136,8 @@ ErrorPtr XMLParser::readWithScanner() {
     case Scanned::refused:
         break;
     }
-    return changeError();
+    const auto &failure = engine.failure();
+    return failure ? xml::makeError(*failure, engine.position()) : changeError();
 }
 
 ErrorPtr XMLParser::readWithLibrary(std::uint64_t reportedElements) {

@@ -32,6 +32,7 @@ ScanEngine::Outcome ScanEngine::run() {
     if (aborted_) {
         return Outcome::aborted;
     }
+    place_ = window_.end();
     return isComplete ? Outcome::wellFormed : Outcome::refused;
 }
 
@@ -122,11 +123,7 @@ bool ScanEngine::readContent() {
 }
 
 bool ScanEngine::readEpilog() {
-    if (!readMiscellany() || window_.cursor() != window_.end() || input_.failure()) {
-        return false;
-    }
-    place_ = window_.end();
-    return true;
+    return readMiscellany() && window_.cursor() == window_.end() && !input_.failure();
 }
 
 /// What follows is no tag that was expected: text, or other markup with white space in front.

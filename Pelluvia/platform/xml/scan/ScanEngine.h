@@ -41,6 +41,11 @@ class ScanEngine final : public Engine {
     /// How many starts of elements were reported.
     [[nodiscard]] std::uint64_t startedElements() const noexcept { return startedElements_; }
 
+    /// Why the source could not be read to its end, if it was refused for that.
+    [[nodiscard]] const std::optional<Failure> &failure() const noexcept {
+        return input_.failure();
+    }
+
     void abort() override;
     [[nodiscard]] Position position() override;
 
