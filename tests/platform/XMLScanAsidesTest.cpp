@@ -124,6 +124,19 @@ TEST(ScanInstruction, IsReadToItsEnd) {
     expectCutOff(readInstruction, "<?xml-stylesheet href='\xC3\xA9'?>", 6);
 }
 
+TEST(ScanInstruction, IsRefusedWhenItIsLong) {
+    for (const char filling : "xn ?") {
+        if (filling != '\0') {
+            const std::string text(193, filling);
+            EXPECT_EQ(lookAt(readInstruction, "<?p " + text + " ?>").size(), 200U);
+            EXPECT_EQ(lookAt(readInstruction, "<?p " + text + "x ?>"), "refused");
+        }
+    }
+    const std::string target(196, 'p');
+    EXPECT_EQ(lookAt(readInstruction, "<?" + target + "?>").size(), 200U);
+    EXPECT_EQ(lookAt(readInstruction, "<?p" + target + "?>"), "refused");
+}
+
 TEST(ScanInstruction, IsRefused) {
     for (const std::string_view text :
          {"<?\?>"sv, "<? p?>"sv, "<?1?>"sv, "<?p:q?>"sv, "<?xml?>"sv, "<?XML ?>"sv, "<?xMl x?>"sv,

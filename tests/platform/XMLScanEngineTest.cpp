@@ -103,6 +103,35 @@ TEST(ScanEngine, ForgetsLongNamesBeforeTheyAreMany) {
     EXPECT_TRUE(comparison.isScanned());
 }
 
+/// The library holds some thousand bytes at a time, and does not read all markup alike wherever it
+/// is cut: what is long in it must be so that the scanner need not know.
+TEST(ScanEngine, ReadsLongMarkupWhereverTheLibraryCutsIt) {
+    const std::string names(499, 'n');
+    const std::string blanks(600, ' ');
+    const std::string markups[] = {"<" + names + ">x</" + names + ">",
+                                   "<a " + names + "='1'/>",
+                                   "<?" + names + "?>",
+                                   "<?" + names + " ?>",
+                                   "<?p" + blanks + "?>",
+                                   "<!--" + blanks + "-->",
+                                   "<a" + blanks + "/>",
+                                   "<a></a" + blanks + ">",
+                                   "<a b='" + blanks + "'/>",
+                                   "<![CDATA[" + blanks + "]]>",
+                                   "<a b" + blanks + "=" + blanks + "'1'/>"};
+    for (const std::string &markup : markups) {
+        for (std::size_t size = 3300; size < 4100; ++size) {
+            std::string document = "<r>";
+            while (document.size() + 100 < size) {
+                document.append("<i>").append(90, 'x').append("</i>\n");
+            }
+            document.append(size - document.size(), ' ').append(markup).append("</r>");
+            const XMLEngineComparison comparison(document);
+            ASSERT_EQ(comparison.difference(), "") << document;
+        }
+    }
+}
+
 /// Makes well-formed documents that repeat themselves, more or less.
 class Writer {
   public:
