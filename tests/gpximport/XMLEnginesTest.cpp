@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstddef>
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
@@ -10,6 +9,7 @@
 #include <tests/support/Damage.h>
 #include <tests/support/GPXFiles.h>
 #include <tests/support/TemporaryFolder.h>
+#include <tests/support/XMLEngineVariable.h>
 #include <vector>
 
 /// \file
@@ -30,15 +30,13 @@ std::string resultOf(const Imported &imported) {
 
 class XMLEngines : public ::testing::Test {
   protected:
-    void TearDown() override { ::unsetenv("PELLUVIA_XML_ENGINE"); }
-
-    static Imported importBy(const char *engine, const std::string &path) {
-        ::setenv("PELLUVIA_XML_ENGINE", engine, 1);
+    Imported importBy(const char *engine, const std::string &path) {
+        variable.set(engine);
         return Importing().file(path);
     }
 
     /// Whether the calls, the result and the log are the same; tells what is not.
-    static bool agreeOn(const std::string &path) {
+    bool agreeOn(const std::string &path) {
         const Imported one = importBy("automatic", path);
         const Imported other = importBy("libxml2", path);
         EXPECT_EQ(one.calls, other.calls);
@@ -46,6 +44,8 @@ class XMLEngines : public ::testing::Test {
         EXPECT_EQ(one.log, other.log);
         return one.calls == other.calls && resultOf(one) == resultOf(other) && one.log == other.log;
     }
+
+    testing::XMLEngineVariable variable;
 };
 
 TEST_F(XMLEngines, ImportAllFilesAlike) {

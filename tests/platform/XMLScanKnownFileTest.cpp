@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstddef>
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
@@ -12,6 +11,7 @@
 #include <sys/stat.h>
 #include <tests/support/RecordingXMLDelegate.h>
 #include <tests/support/TemporaryFolder.h>
+#include <tests/support/XMLEngineVariable.h>
 #include <thread>
 
 /// \file
@@ -145,6 +145,7 @@ std::string large() {
 }
 
 TEST(XMLScanKnownFile, AFileThatChangesWhileItIsReadGivesAnError) {
+    const testing::XMLEngineVariable automatic;
     const TemporaryFolder folder;
     const std::string path = folder.file("a.gpx");
     const std::string document = large();
@@ -177,6 +178,7 @@ TEST(XMLScanKnownFile, AFileThatChangesWhileItIsReadGivesAnError) {
 }
 
 TEST(XMLScanKnownFile, AFileThatChangesWhileNamesAreReadIsNotReadAgain) {
+    const testing::XMLEngineVariable automatic;
     const TemporaryFolder folder;
     const std::string path = folder.write("a.gpx", large());
     makeOld(path);
@@ -212,6 +214,7 @@ TEST(XMLScanKnownFile, AFileThatIsReplacedWhileItIsReadIsReadToItsEnd) {
 /// Something else under the same name, with the same size and times: nobody can tell, but nothing
 /// breaks.
 TEST(XMLScanKnownFile, AChangeThatLeavesNoTraceIsRead) {
+    const testing::XMLEngineVariable automatic;
     const TemporaryFolder folder;
     const std::string path = folder.write("a.gpx", usual);
     makeOld(path);
@@ -243,18 +246,19 @@ std::size_t piecesBy(const std::string &path, const XMLKnownFile &file, XMLEngin
 }
 
 TEST(XMLScanKnownFile, TheLibraryReadsWhereItIsWanted) {
+    testing::XMLEngineVariable variable;
     const TemporaryFolder folder;
     const std::string path = folder.write("a.gpx", "<a>b\xC3\xA9</a>");
     const XMLKnownFile file = counted(path);
     for (const XMLKnownFile &known : {XMLKnownFile(), file}) {
         EXPECT_EQ(piecesBy(path, known, XMLEngine::automatic), 1U);
         EXPECT_EQ(piecesBy(path, known, XMLEngine::libxml2), 2U);
-        ASSERT_EQ(::setenv("PELLUVIA_XML_ENGINE", "libxml2", 1), 0);
+        variable.set("libxml2");
         EXPECT_EQ(piecesBy(path, known, XMLEngine::automatic), 2U);
-        ASSERT_EQ(::setenv("PELLUVIA_XML_ENGINE", "automatic", 1), 0);
+        variable.set("automatic");
         EXPECT_EQ(piecesBy(path, known, XMLEngine::automatic), 1U);
         EXPECT_EQ(piecesBy(path, known, XMLEngine::libxml2), 2U);
-        ASSERT_EQ(::unsetenv("PELLUVIA_XML_ENGINE"), 0);
+        variable.unset();
     }
 }
 

@@ -2,12 +2,12 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <tests/support/RecordingXMLDelegate.h>
+#include <tests/support/XMLEngineVariable.h>
 #include <tests/support/XMLSources.h>
 #include <utility>
 #include <vector>
@@ -53,6 +53,7 @@ Parsed parsed(XMLParser &parser, RecordingXMLDelegate &delegate) {
 
 Parsed parsedBy(XMLEngine engine, std::unique_ptr<xml::Source> source,
                 RecordingXMLDelegate &delegate) {
+    const testing::XMLEngineVariable unset;
     XMLParser parser(std::move(source));
     parser.setEngine(engine);
     return parsed(parser, delegate);
