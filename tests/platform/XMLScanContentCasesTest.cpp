@@ -315,6 +315,45 @@ TEST(XMLScanCases, ADocumentThatEndsAnywhere) {
     expectVerdict(document + behind, scanned);
 }
 
+/// Text in front of them moves the pieces over the ends of the windows.
+TEST(XMLScanCases, WhatTheEndOfAWindowCuts) {
+    constexpr XMLCase pieces[] = {
+        {"]]>", malformed},
+        {"]]]]>", malformed},
+        {"&no;", malformed},
+        {"&#x110000;", malformed},
+        {"\xC3", malformed},
+        {"\xF0\x9F\x98", malformed},
+        {"\xED\xA0\x80", malformed},
+        {"\x01", malformed},
+        {"\0"sv, malformed},
+        {"<!-- -- -->", malformed},
+        {"<?p", malformed},
+        {"</b>", malformed},
+        {"<b c='1' c='2'/>", malformed},
+        {"]]", scanned},
+        {"]]&gt;", scanned},
+        {"]] >", scanned},
+        {"&#x10FFFF;", scanned},
+        {"\xF0\x9F\x98\x80", scanned},
+        {"\xEF\xBF\xBD", scanned},
+        {"\r\n\r\n", scanned},
+        {"<!-- - -->", scanned},
+        {"<?p ? ?>", scanned},
+        {"<![CDATA[ ]]>", scanned},
+        {"<![CDATA[]]]]>", scanned},
+        {"<b c='1&amp;'/>", scanned},
+        {"<b>\n</b >", scanned},
+    };
+    for (const XMLCase &piece : pieces) {
+        for (std::size_t size = 0; size < 70; ++size) {
+            std::string document = "<a>";
+            document.append(size, 'x').append(piece.text);
+            expectVerdict(document + "y</a>", piece.verdict);
+        }
+    }
+}
+
 TEST(XMLScanCases, AnyByteAnywhere) {
     const std::string document = "<?xml version='1.0'?><a b='c'>d&amp;<!--e--><?f g?><h/></a>\n";
     for (std::size_t i = 0; i < document.size(); ++i) {
