@@ -2,15 +2,19 @@
 #include <Pelluvia/platform/xml/scan/ScanEngine.h>
 #include <Pelluvia/platform/xml/scan/TagMemory.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <malloc.h>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <tests/support/Damage.h>
 #include <tests/support/XMLCase.h>
 #include <tests/support/XMLEngineComparison.h>
+#include <tests/support/XMLSources.h>
 
 /// \file
 /// Whole documents that are well-formed: what the scanner remembers must not show.
@@ -101,6 +105,45 @@ TEST(ScanEngine, ForgetsLongNamesBeforeTheyAreMany) {
     const XMLEngineComparison comparison(document + "</r>");
     EXPECT_EQ(comparison.difference(), "");
     EXPECT_TRUE(comparison.isScanned());
+}
+
+/// Notes the most memory that was in use at any event.
+class MemoryWatch : public XMLParserDelegate {
+  public:
+    std::size_t most = 0;
+    void didStartElement(XMLParser & /*parser*/, const XMLElement & /*element*/,
+                         const XMLAttributes & /*attributes*/) override {
+        if (++elements_ % 64 == 0) {
+            most = std::max(most, ::mallinfo2().uordblks);
+        }
+    }
+
+  private:
+    std::size_t elements_ = 0;
+};
+
+TEST(ScanEngine, RemembersNoMoreHoweverMuchThereIs) {
+    const auto memoryFor = [](std::string_view name, std::string_view attribute) {
+        // Nothing is ever seen twice where the number is.
+        std::string document = "<r>";
+        for (std::size_t i = 0; i < 100'000; ++i) {
+            const std::string number = std::to_string(i);
+            document.append("<a").append(name.empty() ? number : name).append(" b");
+            document.append(attribute.empty() ? number : attribute).append("='1'/>\n");
+        }
+        testing::TextSource source(document + "</r>");
+        const std::size_t before = ::mallinfo2().uordblks;
+        XMLParser parser(std::make_unique<testing::TextSource>(""));
+        MemoryWatch watch;
+        ScanEngine engine(parser, source, &watch);
+        EXPECT_EQ(engine.run(), ScanEngine::Outcome::wellFormed);
+        return watch.most > before ? watch.most - before : 0;
+    };
+    constexpr std::size_t megabyte = 1'000'000;
+    EXPECT_LT(memoryFor("", "x"), 4 * megabyte);
+    EXPECT_LT(memoryFor("x", ""), 4 * megabyte);
+    EXPECT_LT(memoryFor("", ""), 4 * megabyte);
+    EXPECT_LT(memoryFor("x", "x"), megabyte);
 }
 
 /// The library holds some thousand bytes at a time, and does not read all markup alike wherever it
