@@ -111,11 +111,15 @@ ErrorPtr XMLParser::readUnknown() {
     const xml::Reported reported = engine.reported();
     engine_.reset();
     source_ = std::move(sourceForLibrary);
+    if (fileHasChanged()) {
+        return changeError(); // the library would not go on where the scanner was
+    }
     return readWithLibrary(reported);
 }
 
 ErrorPtr XMLParser::readKnown() {
-    ErrorPtr error = file_.reader_ == Reader::scanner ? readWithScanner() : readWithLibrary({});
+    const bool isScanned = file_.reader_ == Reader::scanner && mayScan();
+    ErrorPtr error = isScanned ? readWithScanner() : readWithLibrary({});
     return fileHasChanged() ? changeError() : error;
 }
 
@@ -132,7 +136,8 @@ ErrorPtr XMLParser::readWithScanner() {
     case Scanned::refused:
         break;
     }
-    return changeError();
+    const auto &failure = engine.failure();
+    return failure ? xml::makeError(*failure, engine.position()) : changeError();
 }
 
 ErrorPtr XMLParser::readWithLibrary(xml::Reported reported) {

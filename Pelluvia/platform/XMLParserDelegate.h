@@ -108,9 +108,9 @@ class PELLUVIA_EXPORT XMLParserDelegate {
     /// parse.
     [[nodiscard]] virtual bool wantsElementNamesOnly() const { return false; }
 
-    /// Whether the text within the element, and within all elements inside it, is wanted; other text
-    /// is not reported. The answer may depend on nothing but the names: it is asked now and then, not
-    /// for every element.
+    /// Whether the text within the element, and within all elements inside it, is wanted; other
+    /// text is not reported. The answer may depend on nothing but the names: it is asked now and
+    /// then, not for every element.
     [[nodiscard]] virtual bool wantsTextIn(const XMLElement & /*element*/) const { return true; }
 
     /// An element starts.

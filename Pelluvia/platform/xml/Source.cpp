@@ -62,7 +62,7 @@ std::unique_ptr<Source> FileSource::again() const {
 
 std::optional<FileState> FileSource::state() const {
     struct stat status {};
-    if (::fstat(descriptor_, &status) != 0) {
+    if (!position_ || ::fstat(descriptor_, &status) != 0) {
         return std::nullopt;
     }
     return FileState{.device = status.st_dev,

@@ -38,7 +38,7 @@ class Source {
     /// only once. To be asked of an open source.
     [[nodiscard]] virtual std::unique_ptr<Source> again() const { return nullptr; }
 
-    /// The present state of the file that the bytes are in, if there is one.
+    /// The present state of the regular file that the bytes are in, if there is one.
     [[nodiscard]] virtual std::optional<FileState> state() const { return std::nullopt; }
 
     /// The path of the document, or an empty one when it is not in a file.

@@ -15,6 +15,10 @@ constexpr std::string_view commentOpening = "<!--";
 constexpr std::string_view instructionOpening = "<?";
 constexpr std::string_view cdataOpening = "<![CDATA[";
 
+/// A longer instruction is not read here, for the library may overlook its end: it looks for that
+/// in what it happens to hold.
+constexpr std::ptrdiff_t longestInstruction = 200;
+
 /// The longest character in bytes.
 constexpr std::ptrdiff_t longestCharacter = 4;
 
@@ -130,6 +134,7 @@ Look readComment(const char *at, const char *end, const char *&after) noexcept {
 }
 
 Look readInstruction(const char *at, const char *end, const char *&after) noexcept {
+    const char *const begin = at;
     at += instructionOpening.size();
     QualifiedName target;
     if (!readName(at, target)) {
@@ -140,10 +145,11 @@ Look readInstruction(const char *at, const char *end, const char *&after) noexce
     }
     const char *close = nullptr;
     const Look look = is(blank, *at) ? find("?>", at, end, close) : begins(close = at, end, "?>");
-    if (look == Look::complete) {
-        after = close + 2;
+    if (look != Look::complete) {
+        return look;
     }
-    return look;
+    after = close + 2;
+    return after - begin <= longestInstruction ? Look::complete : Look::refused;
 }
 
 Look readCDATA(const char *at, const char *end, std::string_view &text,

@@ -20,7 +20,7 @@ namespace pelluvia::xml::scan {
 /// A comment, at `<!--`.
 [[nodiscard]] Look readComment(const char *at, const char *end, const char *&after) noexcept;
 
-/// A processing instruction, at `<?`.
+/// A processing instruction, at `<?`. Long ones are refused.
 [[nodiscard]] Look readInstruction(const char *at, const char *end, const char *&after) noexcept;
 
 /// A CDATA section, at `<![CDATA[`, and the text in it.

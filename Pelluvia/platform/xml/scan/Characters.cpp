@@ -108,7 +108,7 @@ Character readReference(const char *&at) noexcept {
     const char *const begin = at + 1;
     const char *end = begin;
     while (*end != ';' && *end != '\0' &&
-           end - at < static_cast<std::ptrdiff_t>(longestReference)) {
+           end - at < static_cast<std::ptrdiff_t>(longestReference) - 1) {
         ++end;
     }
     if (*end != ';') {

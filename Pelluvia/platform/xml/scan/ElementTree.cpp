@@ -24,12 +24,11 @@ bool isUsual(const StartTag::Attribute &declaration) noexcept {
     const std::string_view uri = declaration.text();
     return prefix != "xml" && prefix != "xmlns" && uri != xmlURI && uri != xmlnsURI &&
            (!uri.empty() || prefix.empty()) && declaration.isPlain &&
-           uri.find(' ') == std::string_view::npos && uri.size() <= ElementTree::longestName;
+           uri.find(' ') == std::string_view::npos && uri.size() <= ElementTree::longestURI;
 }
 
 bool isUsual(const StartTag &tag) noexcept {
     return tag.name.prefix != "xml" && tag.name.prefix != "xmlns" &&
-           tag.name.whole.size() <= ElementTree::longestName &&
            std::all_of(tag.declarations.begin(), tag.declarations.end(),
                        [](const StartTag::Attribute &each) { return isUsual(each); });
 }
@@ -62,6 +61,10 @@ std::size_t ElementTree::Hash::operator()(const Key &key) const {
 }
 
 Element *ElementTree::child(Element *parent, const StartTag &tag) {
+    // Before anything is looked up: the text of an unusual tag may be that of another one.
+    if (!isUsual(tag)) {
+        return nullptr;
+    }
     std::string_view text = tag.name.whole;
     if (!tag.declarations.empty()) {
         writeText(tag, key_);
@@ -73,7 +76,7 @@ Element *ElementTree::child(Element *parent, const StartTag &tag) {
     const std::size_t depth = parent != nullptr ? parent->depth + 1 : 1;
     const std::size_t declared =
         (parent != nullptr ? parent->declared : 0) + tag.declarations.size();
-    if (depth > xmlLimits::depth || declared > mostDeclarations || !isUsual(tag)) {
+    if (depth > xmlLimits::depth || declared > mostDeclarations) {
         return nullptr;
     }
     auto element = make(parent, tag);

@@ -53,8 +53,8 @@ class ElementTree {
     /// Elements that are kept at most, and the bytes of their texts.
     static constexpr std::size_t mostElements = 2000;
     static constexpr std::size_t mostText = 400'000;
-    /// A name or URI of more bytes is not read here, nor more declarations that are in force.
-    static constexpr std::size_t longestName = 500;
+    /// A URI of more bytes is not read here, nor more declarations that are in force.
+    static constexpr std::size_t longestURI = 500;
     static constexpr std::size_t mostDeclarations = 200;
 
   private:

@@ -48,6 +48,7 @@ ScanEngine::Outcome ScanEngine::run() {
     if (aborted_) {
         return Outcome::aborted;
     }
+    place_ = window_.end();
     return isComplete ? Outcome::wellFormed : Outcome::refused;
 }
 
@@ -111,11 +112,9 @@ inline bool ScanEngine::reportText(std::string_view text, const char *place) {
     if (textSize_ > longestText) {
         return false;
     }
-    if (!text.empty()) {
-        reported_.text += text.size();
-        place_ = place;
-        delegate_.foundCharacters(parser_, text);
-    }
+    reported_.text += text.size();
+    place_ = place;
+    delegate_.foundCharacters(parser_, text);
     return !aborted_;
 }
 
@@ -179,10 +178,13 @@ bool ScanEngine::readMiscellany() {
 bool ScanEngine::readContent() {
     while (open_ != nullptr) {
         seeAhead();
+        const char *const begin = window_.cursor();
         if (!readKnown()) {
             return false;
         }
-        if (open_ != nullptr && seesAhead() && !readUnknown()) {
+        // What comes next may be known, too, and only not be seen as a whole.
+        const bool mayBeCutOff = window_.cursor() != begin && !seesAhead();
+        if (open_ != nullptr && !mayBeCutOff && !readUnknown()) {
             return false;
         }
     }
@@ -226,11 +228,7 @@ bool ScanEngine::readKnown() {
 }
 
 bool ScanEngine::readEpilog() {
-    if (!readMiscellany() || window_.cursor() != window_.end() || input_.failure()) {
-        return false;
-    }
-    place_ = window_.end();
-    return true;
+    return readMiscellany() && window_.cursor() == window_.end() && !input_.failure();
 }
 
 /// What follows is no tag that was expected: text, or other markup with white space in front.
@@ -385,7 +383,7 @@ bool ScanEngine::lookAgain(Look look) {
 bool ScanEngine::reportTextTo(const char *end) {
     const std::string_view text(window_.cursor(), static_cast<std::size_t>(end - window_.cursor()));
     window_.moveTo(end);
-    return !wantsText() || reportText(text, end);
+    return text.empty() || !wantsText() || reportText(text, end);
 }
 
 void ScanEngine::forgetIfFull() {

@@ -41,11 +41,16 @@ class ScanEngine final : public Engine {
     [[nodiscard]] Outcome run();
     [[nodiscard]] const Reported &reported() const noexcept { return reported_; }
 
+    /// Why the source could not be read to its end, if it was refused for that.
+    [[nodiscard]] const std::optional<Failure> &failure() const noexcept {
+        return input_.failure();
+    }
+
     void abort() override;
     [[nodiscard]] Position position() override;
 
     /// Enough for any tag, comment, CDATA section, and text between them, that is not unusual.
-    static constexpr std::size_t usualWindowSize = 256 * 1024;
+    static constexpr std::size_t usualWindowSize = 128 * 1024;
     /// More text between the starts of two elements, or white space and comments around the root,
     /// is refused.
     static constexpr std::size_t longestText = 1'000'000;

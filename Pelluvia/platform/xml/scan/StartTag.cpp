@@ -119,7 +119,7 @@ bool readName(const char *&at, QualifiedName &name) noexcept {
         name.local = between(local, at);
     }
     name.whole = between(begin, at);
-    return *at != ':' && !isMultibyte(*at);
+    return *at != ':' && !isMultibyte(*at) && name.whole.size() <= QualifiedName::longest;
 }
 
 Look readStartTag(char *at, const char *end, StartTag &tag) {

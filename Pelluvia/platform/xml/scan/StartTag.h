@@ -23,6 +23,9 @@ struct QualifiedName {
     std::string_view whole;
     std::string_view prefix;
     std::string_view local;
+
+    /// Longer ones are not read here; the library has a limit, too.
+    static constexpr std::size_t longest = 500;
 };
 
 /// Reads a name of ASCII characters, with at most one colon and something on both sides of it, and

@@ -1,0 +1,125 @@
+#include <tests/gpximport/Importing.h>
+
+#include <chrono>
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <gtest/gtest.h>
+#include <string>
+#include <tests/support/Damage.h>
+#include <tests/support/GPXFiles.h>
+#include <tests/support/TemporaryFolder.h>
+#include <tests/support/XMLEngineVariable.h>
+#include <vector>
+
+/// \file
+/// Imports by the scanner are imports by the XML library.
+
+namespace pelluvia {
+namespace {
+
+using testing::Imported;
+using testing::Importing;
+
+/// With the texts of the error, which `textOf` leaves out.
+std::string resultOf(const Imported &imported) {
+    return imported.result == nullptr
+               ? "nil"
+               : testing::textOf(imported.result) + " " + imported.result->localizedDescription();
+}
+
+class XMLEngines : public ::testing::Test {
+  protected:
+    Imported importBy(const char *engine, const std::string &path) {
+        variable.set(engine);
+        return Importing().file(path);
+    }
+
+    /// Whether the calls, the result and the log are the same; tells what is not.
+    bool agreeOn(const std::string &path) {
+        const Imported one = importBy("automatic", path);
+        const Imported other = importBy("libxml2", path);
+        EXPECT_EQ(one.calls, other.calls);
+        EXPECT_EQ(resultOf(one), resultOf(other));
+        EXPECT_EQ(one.log, other.log);
+        return one.calls == other.calls && resultOf(one) == resultOf(other) && one.log == other.log;
+    }
+
+    testing::XMLEngineVariable variable;
+};
+
+TEST_F(XMLEngines, ImportAllFilesAlike) {
+    for (const auto &file : testing::gpxFiles()) {
+        EXPECT_TRUE(agreeOn(file.string())) << file;
+    }
+}
+
+TEST_F(XMLEngines, ImportDamagedFilesAlike) {
+    std::vector<std::string> texts;
+    for (const auto &file : testing::gpxFiles()) {
+        texts.push_back(testing::readFile(file));
+    }
+    const testing::TemporaryFolder folder;
+    testing::Damage damage(2);
+    for (std::size_t i = 0; i < testing::damagedDocuments; ++i) {
+        const std::string text = damage.apply(damage.cut(texts[i % texts.size()], 1500));
+        const std::string path = folder.write("damaged.gpx", text);
+        ASSERT_TRUE(agreeOn(path)) << text;
+        std::filesystem::remove(path); // some file systems wait when a file is written over
+    }
+}
+
+/// The receiver changes the file at a call; the import must end there, in order.
+void expectEndAt(const std::string &call, const std::string &document,
+                 const std::function<void(const std::string &path)> &change) {
+    const testing::TemporaryFolder folder;
+    const std::string path = folder.write("a.gpx", document);
+    std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now() -
+                                               std::chrono::hours(1));
+    Importing importing;
+    bool hasChanged = false;
+    importing.spy->onCall = [&](const std::string &line) {
+        if (!hasChanged && line.starts_with(call)) {
+            hasChanged = true;
+            change(path);
+        }
+    };
+    const Imported imported = importing.file(path);
+    ASSERT_NE(imported.result, nullptr) << call;
+    EXPECT_EQ(resultOf(imported), "NSXMLParserErrorDomain 1549 at 0:0 The file has changed since "
+                                  "it was first read");
+    ASSERT_GE(imported.calls.size(), 2U);
+    EXPECT_EQ(imported.calls[imported.calls.size() - 2],
+              "error: NSXMLParserErrorDomain 1549 at 0:0");
+    EXPECT_TRUE(imported.calls.back().starts_with("endTransfer: "));
+}
+
+TEST_F(XMLEngines, AFileThatTheReceiverChangesEndsTheImport) {
+    std::string points;
+    for (int i = 0; i < 8000; ++i) {
+        points += "<trkpt lat='47.5' lon='" + std::to_string(i) + "'/>\n";
+    }
+    const std::string content = "<rte><rtept lat='1' lon='2'/></rte><wpt lat='1' lon='2'/>"
+                                "<trk><trkseg>" +
+                                points + "</trkseg></trk>";
+    const std::string good = testing::gpx(content);
+    const std::function<void(const std::string &path)> changes[] = {
+        [&](const std::string &path) { testing::writeFile(path, good); },
+        [&](const std::string &path) { testing::writeFile(path, good + "\n"); },
+        [&](const std::string &path) { testing::writeFile(path, "<gpx/>"); },
+        [&](const std::string &path) { testing::writeFile(path, ""); },
+        [&](const std::string &path) { std::filesystem::resize_file(path, good.size() / 2); },
+    };
+    for (const std::string &document : {good, "<!DOCTYPE gpx>" + good}) {
+        for (const auto &change : changes) {
+            for (const char *call : {"startTransfer: nil kind: 2", "routePoint", "endTransfer: 2",
+                                     "wayPoint", "endTransfer: 3", "newTrack",
+                                     "trackPoint: (47.5, 7", "trackPoint: (47.5, 7999"}) {
+                expectEndAt(call, document, change);
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace pelluvia

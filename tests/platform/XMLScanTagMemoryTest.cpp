@@ -1,0 +1,230 @@
+#include <Pelluvia/platform/xml/scan/Bytes.h>
+#include <Pelluvia/platform/xml/scan/ElementTree.h>
+#include <Pelluvia/platform/xml/scan/TagMemory.h>
+
+#include <array>
+#include <cstddef>
+#include <gtest/gtest.h>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pelluvia::xml::scan {
+namespace {
+
+/// A text with zeros behind.
+struct Text {
+    explicit Text(std::string_view text) : bytes(text.begin(), text.end()) {
+        bytes.resize(text.size() + padding);
+    }
+    [[nodiscard]] char *begin() { return bytes.data(); }
+    [[nodiscard]] const char *end() const { return bytes.data() + bytes.size() - padding; }
+    std::vector<char> bytes;
+};
+
+class ScanTagMemory : public ::testing::Test {
+  protected:
+    ScanTagMemory() { root = element(nullptr, "<gpx>"); }
+
+    Element *element(Element *parent, std::string_view tagText) {
+        Text text(tagText);
+        StartTag tag;
+        EXPECT_EQ(readStartTag(text.begin(), text.end(), tag), Look::complete);
+        return tree.child(parent, tag);
+    }
+
+    /// Learns a start tag, with the white space in front of it.
+    KnownTag *learn(KnownTag *previous, std::string_view tagText, Element *parent) {
+        Text text(tagText);
+        StartTag tag;
+        const std::size_t blanks = tagText.find('<');
+        EXPECT_EQ(readStartTag(text.begin() + blanks, text.end(), tag), Look::complete);
+        return memory.learnStart(previous, text.begin(), tree.child(parent, tag), tag);
+    }
+    KnownTag *learnEnd(KnownTag *previous, std::string_view tagText, Element *ended) {
+        const Text text(tagText);
+        return memory.learnEnd(previous, text.bytes.data(), text.end(), ended);
+    }
+
+    /// Follows a tag; the values of its attributes and what is behind it, or "none".
+    std::string follow(const KnownTag *previous, std::string_view input,
+                       const KnownTag *expected = nullptr) {
+        Text text(input);
+        const char *end = nullptr;
+        const KnownTag *const known = memory.follow(*previous, text.begin(), end);
+        EXPECT_EQ(known, expected) << input;
+        if (known == nullptr) {
+            return "none";
+        }
+        std::string result;
+        for (const XMLAttribute &each : known->attributes) {
+            result.append(each.prefix).append(each.prefix.empty() ? "" : ":");
+            result.append(each.localName).append("#").append(std::to_string(each.nameNumber));
+            result.append("=").append(each.value).append(" ");
+        }
+        return result.append("|").append(end, text.end());
+    }
+
+    static constexpr std::array<std::string_view, 2> names = {"lat", "lon"};
+    Vocabulary vocabulary{{.names = names, .namespaces = {}}};
+    XMLParserDelegate delegate; // wants all text
+    ElementTree tree{vocabulary, &delegate};
+    TagMemory memory{vocabulary};
+    Element *root = nullptr;
+};
+
+TEST_F(ScanTagMemory, FollowsATagWithOtherValues) {
+    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
+    KnownTag *const point = learn(first, "\n <pt lat=\"1\" p:lon='2' />", root);
+    ASSERT_NE(point, nullptr);
+    EXPECT_EQ(point->kind, KnownTag::Kind::empty);
+    EXPECT_EQ(point->blankSize, 2);
+    EXPECT_EQ(point->closeSize, 2);
+    EXPECT_EQ(point->inside(), root);
+    EXPECT_EQ(follow(first, "\n <pt lat=\"47.5\" p:lon='' />rest", point),
+              "lat#1=47.5 p:lon#2= |rest");
+    EXPECT_EQ(follow(first,
+                     "\n <pt lat=\"a long value > that ] takes = several blocks\" p:lon='-' />",
+                     point),
+              "lat#1=a long value > that ] takes = several blocks p:lon#2=- |");
+}
+
+TEST_F(ScanTagMemory, FollowsNothingElse) {
+    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
+    ASSERT_NE(learn(first, "\n <pt lat=\"1\" lon='2' />", root), nullptr);
+    for (const std::string_view text :
+         {"", "\n", "\n  <pt lat=\"1\" lon='2' />", "<pt lat=\"1\" lon='2' />",
+          "\n <px lat=\"1\" lon='2' />", "\n <pt lat='1' lon='2' />",
+          "\n <pt lat=\"1\" lon=\"2\" />", "\n <pt lat=\"1\" lon='2'/>",
+          "\n <pt lat=\"1\" lon='2' >", "\n <pt lat=\"1\" lon='2", "\n <pt lat=\"1\" lon='2' /",
+          "\n <pt lat=\"1'\" lon='2' />", "\n <pt lat=\"&lt;\" lon='2' />",
+          "\n <pt lat=\"\xC3\xA9\" lon='2' />", "\n <pt lat=\"<\" lon='2' />",
+          "\n <pt lat=\"\t\" lon='2' />", "\n <pt lat=\"\n\" lon='2' />",
+          "\n <pt lat=\"\x01\" lon='2' />", "\n <pt lon=\"1\" lat='2' />"}) {
+        EXPECT_EQ(follow(first, text), "none");
+    }
+}
+
+TEST_F(ScanTagMemory, FollowsOnlyFromTheTagBefore) {
+    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
+    KnownTag *const other = learn(nullptr, "<trk>", root);
+    KnownTag *const end = learnEnd(first, "</gpx>", root);
+    EXPECT_EQ(end->kind, KnownTag::Kind::end);
+    EXPECT_EQ(end->inside(), nullptr);
+    EXPECT_EQ(first->inside(), root);
+    EXPECT_EQ(follow(first, "</gpx>\n", end), "|\n");
+    EXPECT_EQ(follow(other, "</gpx>\n"), "none");
+}
+
+TEST_F(ScanTagMemory, ComparesWhatIsLongerThanABlockToItsLastByte) {
+    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
+    const std::string name(80, 'n');
+    KnownTag *const known = learn(first, "<" + name + ">", root);
+    EXPECT_EQ(follow(first, "<" + name + ">", known), "|");
+    for (std::size_t i = 1; i <= name.size(); ++i) {
+        std::string text = "<" + name + ">";
+        text[i] = 'm';
+        EXPECT_EQ(follow(first, text), "none") << i;
+    }
+}
+
+TEST_F(ScanTagMemory, DoesNotLearnWhatIsTooLong) {
+    constexpr std::size_t longest = KnownTag::Literal::longest;
+    EXPECT_NE(learn(nullptr, "<" + std::string(longest - 2, 'n') + ">", root), nullptr);
+    EXPECT_EQ(learn(nullptr, "<" + std::string(longest - 1, 'n') + ">", root), nullptr);
+    EXPECT_EQ(learn(nullptr, "<a " + std::string(longest, 'n') + "='1'>", root), nullptr);
+    EXPECT_EQ(learn(nullptr, "<a b='1' " + std::string(longest, 'n') + "='1'>", root), nullptr);
+    EXPECT_EQ(learn(nullptr, "<a b='1'" + std::string(longest, ' ') + ">", root), nullptr);
+    EXPECT_EQ(learn(nullptr, std::string(longest, ' ') + "<a>", root), nullptr);
+    EXPECT_NE(learn(nullptr, "<a b='" + std::string(5000, 'v') + "'>", root), nullptr)
+        << "values may be of any length";
+    EXPECT_EQ(learnEnd(nullptr, "</a" + std::string(longest, ' ') + ">", root), nullptr);
+    std::string attributes;
+    for (int i = 0; i < 12; ++i) {
+        attributes.append(" a").append(std::to_string(i)).append("='v'");
+    }
+    KnownTag *const known = learn(nullptr, "<a" + attributes + ">", root);
+    ASSERT_NE(known, nullptr);
+    EXPECT_EQ(known->attributes.size(), 12U);
+    EXPECT_EQ(known->attributes[11].localName, "a11");
+    EXPECT_EQ(learn(nullptr, "<a" + attributes + " b=''>", root), nullptr);
+}
+
+TEST_F(ScanTagMemory, RemembersATagOnce) {
+    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
+    KnownTag *const one = learn(first, "<a b='1'/>", root);
+    EXPECT_EQ(learn(one, "<a b='2'/>", root), one);
+    EXPECT_EQ(follow(one, "<a b='3'/>", one), "b#0=3 |");
+    EXPECT_NE(learn(first, "<a b=\"1\"/>", root), one);
+    EXPECT_NE(learn(first, " <a b='1'/>", root), one);
+    EXPECT_NE(learn(first, "<a b='1'/>", element(root, "<c>")), one) << "another place";
+}
+
+TEST_F(ScanTagMemory, KeepsTheLatestFollowers) {
+    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
+    std::vector<KnownTag *> tags;
+    constexpr std::size_t count = 2 * KnownTag::mostFollowers;
+    const auto textOf = [](std::size_t i) { return "<n" + std::to_string(i) + "/>"; };
+    for (std::size_t i = 0; i < count; ++i) {
+        tags.push_back(learn(first, textOf(i), root));
+        EXPECT_EQ(first->followers[0], tags.back()) << "the latest is the first";
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        const bool isKept = i >= count - KnownTag::mostFollowers;
+        EXPECT_EQ(follow(first, textOf(i), isKept ? tags[i] : nullptr), isKept ? "|" : "none");
+    }
+    // One that comes again goes to the front, and no other is lost for it.
+    EXPECT_EQ(learn(first, textOf(count - 3), root), tags[count - 3]);
+    EXPECT_EQ(first->followers[0], tags[count - 3]);
+    for (std::size_t i = count - KnownTag::mostFollowers; i < count; ++i) {
+        EXPECT_EQ(follow(first, textOf(i), tags[i]), "|");
+    }
+}
+
+TEST_F(ScanTagMemory, IsFullAfterManyTagsAndForgetsThem) {
+    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
+    ASSERT_NE(first, nullptr);
+    std::size_t count = 1;
+    for (; !memory.isFull(); ++count) {
+        ASSERT_NE(learn(first, "<n" + std::to_string(count) + "/>", root), nullptr);
+    }
+    EXPECT_EQ(count, TagMemory::mostTags);
+    memory.forget();
+    EXPECT_FALSE(memory.isFull());
+    KnownTag *const again = learn(nullptr, "<gpx>", nullptr);
+    EXPECT_EQ(again->followers[0], nullptr);
+    EXPECT_EQ(follow(again, "<n5/>"), "none");
+}
+
+TEST_F(ScanTagMemory, PausesTwiceAsLongEachTimeItWasOfNoUse) {
+    std::size_t last = 0;
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_TRUE(memory.isLearning());
+        memory.forget();
+        std::size_t pause = 0;
+        while (!memory.isLearning()) {
+            ++pause;
+        }
+        EXPECT_GT(pause, 100U);
+        if (last != 0) {
+            EXPECT_EQ(pause, 2 * last);
+        }
+        last = pause;
+    }
+}
+
+TEST_F(ScanTagMemory, DoesNotPauseWhenItWasOfUse) {
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_TRUE(memory.isLearning());
+        KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
+        KnownTag *const known = learn(first, "<a/>", root);
+        for (int hit = 0; hit < 100; ++hit) {
+            EXPECT_EQ(follow(first, "<a/>", known), "|");
+        }
+        memory.forget();
+    }
+    EXPECT_TRUE(memory.isLearning());
+}
+
+} // namespace
+} // namespace pelluvia::xml::scan
