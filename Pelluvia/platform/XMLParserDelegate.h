@@ -100,12 +100,12 @@ class PELLUVIA_EXPORT XMLParserDelegate {
   public:
     virtual ~XMLParserDelegate() = default;
 
-    /// The names that are delivered as numbers; asked once, before the parse.
+    /// The names that are delivered as numbers; asked before the parse, always the same.
     [[nodiscard]] virtual XMLVocabulary vocabulary() const { return {}; }
 
     /// A delegate that wants nothing but the names of starting elements says so here; it is then
-    /// spared all other events but errors, and the elements' attributes. Asked once, before the
-    /// parse.
+    /// spared all other events but errors, and the elements' attributes. Asked before the parse,
+    /// always the same.
     [[nodiscard]] virtual bool wantsElementNamesOnly() const { return false; }
 
     /// Whether the text within the element, and within all elements inside it, is wanted; other

@@ -213,6 +213,24 @@ TEST_F(ScanTagMemory, PausesTwiceAsLongEachTimeItWasOfNoUse) {
     }
 }
 
+TEST_F(ScanTagMemory, DoesNotPauseLongerForWhatIsForgottenInAPause) {
+    const auto pause = [&] {
+        std::size_t length = 0;
+        while (!memory.isLearning()) {
+            ++length;
+        }
+        return length;
+    };
+    EXPECT_TRUE(memory.isLearning());
+    memory.forget();
+    EXPECT_FALSE(memory.isLearning());
+    memory.forget();
+    memory.forget();
+    const std::size_t first = pause() + 1;
+    memory.forget();
+    EXPECT_EQ(pause(), 2 * first);
+}
+
 TEST_F(ScanTagMemory, DoesNotPauseWhenItWasOfUse) {
     for (int i = 0; i < 5; ++i) {
         EXPECT_TRUE(memory.isLearning());

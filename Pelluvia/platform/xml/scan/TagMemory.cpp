@@ -64,12 +64,12 @@ std::size_t TagMemory::Hash::operator()(const Key &key) const {
 }
 
 bool TagMemory::isLearning() noexcept {
-    ++misses_;
-    if (toPass_ == 0) {
-        return true;
+    if (toPass_ != 0) {
+        --toPass_;
+        return false;
     }
-    --toPass_;
-    return false;
+    ++misses_;
+    return true;
 }
 
 KnownTag *TagMemory::learnStart(KnownTag *previous, const char *begin, Element *element,
@@ -142,11 +142,14 @@ std::unique_ptr<KnownTag> TagMemory::make(const char *begin, Element *element,
 }
 
 void TagMemory::forget() noexcept {
+    tags_.clear();
+    if (toPass_ != 0) {
+        return; // it had not begun anew
+    }
     const bool wasOfUse = hits_ >= leastHits * misses_;
     pause_ = wasOfUse ? 0 : std::max(firstPause, 2 * pause_);
     toPass_ = pause_;
     hits_ = misses_ = 0;
-    tags_.clear();
 }
 
 } // namespace pelluvia::xml::scan

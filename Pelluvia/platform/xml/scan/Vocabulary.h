@@ -17,8 +17,10 @@ class Vocabulary {
 
     /// The number of a local name, or 0.
     [[nodiscard]] std::uint16_t name(std::string_view name) const { return find(names_, name); }
-    /// The number of a namespace URI, or 0.
-    [[nodiscard]] std::uint16_t uri(std::string_view uri) const { return find(namespaces_, uri); }
+    /// The number of a namespace URI, or 0; no namespace has none.
+    [[nodiscard]] std::uint16_t uri(std::string_view uri) const {
+        return uri.empty() ? std::uint16_t{0} : find(namespaces_, uri);
+    }
 
   private:
     using Numbers = std::unordered_map<std::string_view, std::uint16_t>;
