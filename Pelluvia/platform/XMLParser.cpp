@@ -13,21 +13,6 @@ using Reader = XMLKnownFile::Reader;
 using xml::scan::ScanEngine;
 using Scanned = ScanEngine::Outcome;
 
-XMLKnownFile::XMLKnownFile() = default;
-XMLKnownFile::~XMLKnownFile() = default;
-
-XMLKnownFile::XMLKnownFile(const XMLKnownFile &other) {
-    *this = other;
-}
-
-XMLKnownFile &XMLKnownFile::operator=(const XMLKnownFile &other) {
-    if (this != &other) {
-        reader_ = other.reader_;
-        state_ = other.state_ ? std::make_unique<xml::FileState>(*other.state_) : nullptr;
-    }
-    return *this;
-}
-
 std::unique_ptr<XMLParser> XMLParser::initWithContentsOfURL(const std::optional<URL> &url) {
     if (!url) {
         return nullptr;
@@ -81,7 +66,7 @@ bool XMLParser::parse() {
 ErrorPtr XMLParser::readDocument() {
     if (file_.reader_ == Reader::unknown) {
         const auto state = source_->state();
-        file_.state_ = state ? std::make_unique<xml::FileState>(*state) : nullptr;
+        file_.state_ = state ? std::make_shared<xml::FileState>(*state) : nullptr;
         return readUnknown();
     }
     return fileHasChanged() ? changeError() : readKnown();

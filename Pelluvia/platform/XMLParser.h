@@ -73,19 +73,15 @@ enum class XMLEngine {
 
 /// What a parse has found out about a file, for further parses of the same file: they need not look
 /// first who can read it, and fail if the file has changed in between. Nothing is known at first.
-class PELLUVIA_EXPORT XMLKnownFile {
+class XMLKnownFile {
   public:
-    XMLKnownFile();
-    XMLKnownFile(const XMLKnownFile &);
-    XMLKnownFile &operator=(const XMLKnownFile &);
-    ~XMLKnownFile();
-
     enum class Reader { unknown, scanner, library };
 
   private:
     friend class XMLParser;
+
     Reader reader_ = Reader::unknown;
-    std::unique_ptr<const xml::FileState> state_;
+    std::shared_ptr<const xml::FileState> state_; ///< null when it is in no file
 };
 
 /// Reads one XML 1.0 document from a file and reports it to a delegate event by event, in constant
