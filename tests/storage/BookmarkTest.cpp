@@ -188,6 +188,19 @@ TEST_F(BookmarkOfAFolder, InTheDocumentStoreIsFoundByItsIdentifier) {
     expectError(NSFileReadNoSuchFileError, "gone");
 }
 
+TEST_F(BookmarkOfAFolder, InTheDocumentStoreIsFoundThroughALinkToTheRuntimeFolder) {
+    std::filesystem::create_directories(folder.file("run/doc/3f0a/GPS"));
+    std::filesystem::create_directory_symlink("run", folder.file("link"));
+    ::setenv("XDG_RUNTIME_DIR", folder.file("link").c_str(), 1); // NOLINT(concurrency-mt-unsafe)
+    const Data data = make(folder.file("link/doc/3f0a/GPS"));
+    EXPECT_THAT(testing::textOf(data), HasSubstr("\ndocument 3f0a\n"));
+
+    std::filesystem::rename(folder.file("run"), folder.file("later"));
+    std::filesystem::remove(folder.file("link"));
+    std::filesystem::create_directory_symlink("later", folder.file("link"));
+    EXPECT_EQ(resolve(data), folder.file("later/doc/3f0a/GPS"));
+}
+
 TEST_F(BookmarkOfAFolder, TheDocumentStoreIsNotLeftByALink) {
     std::filesystem::create_directories(folder.file("run/doc/3f0a"));
     std::filesystem::create_directory_symlink("/etc", folder.file("run/doc/3f0a/GPS"));

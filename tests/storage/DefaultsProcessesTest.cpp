@@ -1,6 +1,8 @@
 #include "OwnDefaults.h"
 #include "Probe.h"
 
+#include <Pelluvia/platform/storage/DefaultsFile.h>
+
 #include <array>
 #include <csignal>
 #include <cstdlib>
@@ -11,6 +13,7 @@
 #include <set>
 #include <spawn.h>
 #include <string>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -44,6 +47,31 @@ TEST_F(DefaultsOfProcesses, TwoThatWriteAtTheSameTimeLoseNothing) {
         }
     }
     EXPECT_EQ(std::count(content.begin(), content.end(), '\n'), 2 * count + 1);
+}
+
+TEST_F(DefaultsOfProcesses, OneThatIsForkedDuringAWriteHoldsUpNobody) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+    pid_t child = -1;
+    std::string problem;
+    storage::DefaultsFile(defaults.folder())
+        .update(
+            [&](storage::DefaultsText & /*entries*/) {
+                child = ::fork();
+                if (child == 0) { // lives until the test closes the pipe
+                    ::close(ends[1]);
+                    char byte = 0;
+                    ::_exit(static_cast<int>(::read(ends[0], &byte, 1)));
+                }
+            },
+            problem);
+    EXPECT_EQ(problem, "");
+    const int lock = ::open(defaultsFile("defaults.lock").c_str(), O_RDWR | O_CLOEXEC);
+    EXPECT_EQ(::flock(lock, LOCK_EX | LOCK_NB), 0);
+    ::close(lock);
+    ::close(ends[1]);
+    ::close(ends[0]);
+    EXPECT_EQ(::waitpid(child, nullptr, 0), child);
 }
 
 /// A probe that writes, and is killed at an instant that nobody chose.

@@ -100,6 +100,8 @@ TEST(DefaultsText, KeepsWhatTheUserHasAddedByHand) {
     const auto again = DefaultsText::parsed(text);
     ASSERT_TRUE(again);
     EXPECT_EQ(again->text(), text);
+    const std::string translated = "[Defaults]\na=integer:1\n\n[Other]\nb[xx]=c\n";
+    EXPECT_EQ(DefaultsText::parsed(translated)->text(), translated);
 }
 
 TEST(DefaultsText, AValueThatCannotBeUnderstoodIsNotGiven) {

@@ -1,3 +1,4 @@
+#include "FalseBus.h"
 #include "PanelTest.h"
 
 #include <Pelluvia/platform/storage/PortalErrors.h>
@@ -129,6 +130,19 @@ TEST_F(PortalOfATest, ABusThatEndsWithTheDialogOpenEndsThePanel) {
     ASSERT_TRUE(wasCalled());
     bus->stop();
     expectError(openPanelError::portalGone, "went away");
+}
+
+TEST_F(PortalOfATest, ABusThatNamesNoOwnerOfThePortalEndsThePanel) {
+    for (const char *answer :
+         {"('',)", "('no name',)", "('org.freedesktop.portal.Desktop',)", "(uint32 7,)", "()"}) {
+        SCOPED_TRACE(answer);
+        const testing::FalseBus other(answer);
+        setSessionBus(other.address());
+        panel = OpenPanel::openPanel();
+        show();
+        expectError(openPanelError::badAnswer, "cannot be understood");
+        responses.clear();
+    }
 }
 
 TEST(PortalErrors, TellTheKindsOfFailureApart) {

@@ -73,10 +73,16 @@ TEST_F(UserDefaultsOfATest, AreForTheUserAlone) {
 }
 
 TEST_F(UserDefaultsOfATest, AreWrittenUnderAnUmaskThatForbidsEverything) {
-    const auto before = ::umask(0177);
-    defaults.setObject("x", "key");
+    const UserDefaults deep(folder.file("a/b"));
+    const auto before = ::umask(0777);
+    deep.setObject("x", "key");
+    deep.setObject("y", "key");
     ::umask(before);
-    EXPECT_EQ(modeOf(defaultsFile()), 0600U);
+    EXPECT_EQ(deep.stringForKey("key"), "y");
+    EXPECT_EQ(modeOf(folder.file("a")), 0700U);
+    EXPECT_EQ(modeOf(folder.file("a/b")), 0700U);
+    EXPECT_EQ(modeOf(folder.file("a/b/defaults.ini")), 0600U);
+    EXPECT_EQ(modeOf(folder.file("a/b/defaults.lock")), 0600U);
 }
 
 TEST_F(UserDefaultsOfATest, LieInTheConfigurationFolder) {

@@ -1,10 +1,11 @@
 #include <Pelluvia/platform/storage/DefaultsFile.h>
 
+#include <Pelluvia/platform/storage/FileDescriptor.h>
+
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <utility>
@@ -54,7 +55,11 @@ int makeFolders(const std::string &folder) {
     std::size_t end = 0;
     while (end != std::string::npos) {
         end = folder.find('/', end + 1);
-        if (::mkdir(folder.substr(0, end).c_str(), folderForTheUserAlone) != 0 && errno != EEXIST) {
+        const std::string each = folder.substr(0, end);
+        if (::mkdir(each.c_str(), folderForTheUserAlone) == 0) {
+            // An umask may have taken from it what we need.
+            static_cast<void>(::chmod(each.c_str(), folderForTheUserAlone));
+        } else if (errno != EEXIST) {
             return errno;
         }
     }
@@ -113,20 +118,18 @@ DefaultsFile::Look DefaultsFile::look() const {
     return {DefaultsText::parsed(content), 0};
 }
 
-int DefaultsFile::lock(FileDescriptor &descriptor) const {
+int DefaultsFile::lock(FileLock &held) const {
     // A file of its own, since the other one is replaced again and again.
-    descriptor = FileDescriptor(::open((folder_ + "/defaults.lock").c_str(),
-                                       O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC,
-                                       forTheUserAlone));
-    if (!descriptor.isOpen()) {
+    FileDescriptor file(::open((folder_ + "/defaults.lock").c_str(),
+                               O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC,
+                               forTheUserAlone));
+    if (!file.isOpen()) {
         return errno;
     }
-    while (::flock(descriptor.number(), LOCK_EX) != 0) {
-        if (errno != EINTR) {
-            return errno;
-        }
-    }
-    return 0;
+    // An umask may have taken from a new one what the next writer needs. One of somebody else's
+    // stays as it is.
+    static_cast<void>(::fchmod(file.number(), forTheUserAlone));
+    return held.take(std::move(file));
 }
 
 std::optional<DefaultsText> DefaultsFile::moveAside(std::string &problem) const {
@@ -145,7 +148,7 @@ DefaultsText DefaultsFile::read(std::string &problem) const {
     if (found.entries) {
         return std::move(*found.entries);
     }
-    FileDescriptor held;
+    FileLock held;
     int error = found.error;
     if (error == 0 && (error = lock(held)) == 0) {
         // With the lock held nobody is replacing it, and perhaps somebody just has.
@@ -163,7 +166,7 @@ DefaultsText DefaultsFile::read(std::string &problem) const {
 
 void DefaultsFile::update(const std::function<void(DefaultsText &)> &change,
                           std::string &problem) const {
-    FileDescriptor held;
+    FileLock held;
     int error = makeFolders(folder_);
     if (error == 0) {
         error = lock(held);

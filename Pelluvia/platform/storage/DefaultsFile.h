@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Pelluvia/platform/storage/DefaultsText.h>
-#include <Pelluvia/platform/storage/FileDescriptor.h>
+#include <Pelluvia/platform/storage/FileLock.h>
 
 #include <functional>
 #include <string>
@@ -16,9 +16,10 @@ class DefaultsFile {
   public:
     explicit DefaultsFile(std::string folder);
 
-    /// The entries; none where there is no file. What was wrong is added to `problems`.
+    /// The entries; none where there is no file. `problem` says what was wrong, if anything.
     [[nodiscard]] DefaultsText read(std::string &problem) const;
-    /// Changes the entries. When that fails, the file is as it was and `problem` says why.
+    /// Changes the entries. When that fails, the file is as it was and `problem` says why;
+    /// it also tells of damage that was moved aside.
     void update(const std::function<void(DefaultsText &)> &change, std::string &problem) const;
 
   private:
@@ -30,8 +31,8 @@ class DefaultsFile {
     };
 
     [[nodiscard]] Look look() const;
-    /// The lock, held until the descriptor is closed; an error number when it cannot be had.
-    [[nodiscard]] int lock(FileDescriptor &descriptor) const;
+    /// Takes the lock; an error number when it cannot be had.
+    [[nodiscard]] int lock(FileLock &held) const;
     /// Entries to begin anew with; `problem` tells it. Nothing when the file is still in the way.
     [[nodiscard]] std::optional<DefaultsText> moveAside(std::string &problem) const;
     /// An error number, 0 when the file was replaced.

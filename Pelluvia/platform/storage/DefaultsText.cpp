@@ -131,10 +131,13 @@ std::optional<DefaultsText> DefaultsText::parsed(std::string_view text) {
     if (text.empty()) {
         return result;
     }
+    // A user's own groups may have texts of languages that are not this process's.
+    constexpr auto keepAll =
+        static_cast<GKeyFileFlags>(G_KEY_FILE_KEEP_COMMENTS | G_KEY_FILE_KEEP_TRANSLATIONS);
     // After a loss of power a file may be all NULs, which the parser takes for empty lines.
     if (text.find('\0') != std::string_view::npos ||
-        g_key_file_load_from_data(result.file_.get(), text.data(), text.size(),
-                                  G_KEY_FILE_KEEP_COMMENTS, nullptr) == FALSE ||
+        g_key_file_load_from_data(result.file_.get(), text.data(), text.size(), keepAll, nullptr) ==
+            FALSE ||
         g_key_file_has_group(result.file_.get(), group) == FALSE) {
         return std::nullopt;
     }

@@ -9,7 +9,8 @@
 
 namespace pelluvia::storage {
 
-/// An error of the prompt's domain with a description: `text`, translated, and the detail.
+/// An error of the prompt's domain. Its description is the text of the code, translated, and the
+/// detail.
 [[nodiscard]] ErrorPtr portalError(std::int64_t code, const std::string &detail = {});
 
 /// The code for the error of a call on the bus: that the bus or the portal is not there or has gone

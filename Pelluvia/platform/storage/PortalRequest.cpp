@@ -212,6 +212,11 @@ void PortalRequest::gotOwner(GVariantPointer result, GErrorPointer error) {
     if (g_variant_is_of_type(result.get(), G_VARIANT_TYPE("(s)")) != FALSE) {
         g_variant_get(result.get(), "(&s)", &owner);
     }
+    // To another name GIO would make no call, and none would be answered.
+    if (g_dbus_is_unique_name(owner) == FALSE) {
+        fail(openPanelError::badAnswer, "no owner");
+        return;
+    }
     owner_ = owner;
     openFile();
 }
