@@ -35,6 +35,7 @@ char *padded(char *out, char *end, std::size_t width, char filler) noexcept {
 static_assert(std::numeric_limits<double>::is_iec559 && std::numeric_limits<double>::digits == 53);
 
 __extension__ using Wide = unsigned __int128;
+constexpr int wideBits = 128;
 
 /// The magnitude of a finite double: `mantissa / 2^shift`, the mantissa below 2^53.
 struct Magnitude {
@@ -53,8 +54,11 @@ struct Magnitude {
     }
 
     /// The magnitude times a power of ten, rounded to the nearest integer, and of two that are
-    /// equally near to the even one. The shift must be 1 to 127, the result below 2^64.
+    /// equally near to the even one. The shift must be positive, the result below 2^64.
     [[nodiscard]] std::uint64_t scaled(std::uint64_t powerOfTen) const noexcept {
+        if (shift >= wideBits) {
+            return 0; // the product has not nearly as many
+        }
         const Wide product = Wide{mantissa} * powerOfTen;
         const auto whole = static_cast<std::uint64_t>(product >> shift);
         const Wide remainder = product - (Wide{whole} << shift);
@@ -113,7 +117,7 @@ char *writeDigits(char *out, std::uint64_t number, int exponent) noexcept {
         --length;
     }
     if (exponent < 0) {
-        std::memcpy(out, "0.000", 5);
+        std::copy_n("0.000", 1 - exponent, out);
         out += 1 - exponent;
         std::memcpy(out, digits.data(), significantDigits);
         return out + length;
@@ -157,9 +161,7 @@ char *writeFixed(char *out, double value) noexcept {
                              fixedDecimals)
             .ptr;
     }
-    const Magnitude magnitude(value);
-    // Beyond a shift of 127 the number is less than 2^-74: no millionths.
-    const std::uint64_t millionths = magnitude.shift < 128 ? magnitude.scaled(million) : 0;
+    const std::uint64_t millionths = Magnitude(value).scaled(million);
     if (std::signbit(value)) {
         *out++ = '-';
     }

@@ -50,7 +50,7 @@ class PELLUVIA_EXPORT UserDefaults {
     /// What `standardUserDefaults` takes for the application's name from now on; without it, the
     /// name of the program. False, and nothing changes, for a text that is not the name of a file
     /// (empty, ".", "..", with a slash or a NUL).
-    static bool setApplicationIdentifier(std::string_view identifier);
+    static bool setApplicationIdentifier(std::string_view name);
 
     /// The defaults in a folder, which need not exist.
     explicit UserDefaults(std::string folder);

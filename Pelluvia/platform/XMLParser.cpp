@@ -134,6 +134,7 @@ ErrorPtr XMLParser::readWithLibrary(xml::Reported reported) {
 }
 
 bool XMLParser::mayScan() const {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): hosts set it before they start threads
     const char *const wanted = std::getenv("PELLUVIA_XML_ENGINE");
     return wantedEngine_ == XMLEngine::automatic &&
            (wanted == nullptr || std::string_view(wanted) != "libxml2");

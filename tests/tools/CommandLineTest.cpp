@@ -185,6 +185,8 @@ TEST_P(WrongUsage, IsAnsweredWithTheReasonAndTheUsage) {
 
 constexpr const char *programUsage = "Usage: pelluvia COMMAND";
 constexpr const char *convertUsage = "Usage: pelluvia convert [OPTIONS] SOURCE... TARGET";
+constexpr const char *noGap = "--gap: a whole number is needed that is not negative\n";
+constexpr const char *noBaud = "--baud: a whole number is needed that is not negative\n";
 constexpr const char *infoUsage = "Usage: pelluvia info [OPTIONS] FILE...";
 
 INSTANTIATE_TEST_SUITE_P(
@@ -205,6 +207,11 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"convert", "--only", "", "a.gpx", "b.gpx"}, "--only", convertUsage},
         Wrong{{"convert", "--creator", "a\nb", "a.gpx", "b.gpx"}, "--creator", convertUsage},
         Wrong{{"convert", "--creator", "\xFF", "a.gpx", "b.gpx"}, "--creator", convertUsage},
+        Wrong{{"convert", "--gap", "-1", "a.nmea", "b.gpx"}, noGap, convertUsage},
+        Wrong{{"convert", "--gap", "1.5", "a.nmea", "b.gpx"}, noGap, convertUsage},
+        Wrong{{"convert", "--gap", "99999999999999999999", "a.nmea", "b.gpx"}, noGap, convertUsage},
+        Wrong{{"convert", "--gap", "", "a.nmea", "b.gpx"}, noGap, convertUsage},
+        Wrong{{"convert", "--baud", "fast", "a.nmea", "b.gpx"}, noBaud, convertUsage},
         Wrong{{"convert", "-", "-", "b.gpx"}, "only once", convertUsage},
         Wrong{{"authorize"}, "a folder is needed", "Usage: pelluvia authorize [-v] FOLDER"},
         Wrong{{"authorized", "a", "b"}, "b", "Usage: pelluvia authorized [-v] FOLDER"},

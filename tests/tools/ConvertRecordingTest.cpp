@@ -253,6 +253,27 @@ TEST(ConvertRecording, WhatMakesNoSenseIsWrongUsage) {
     }
 }
 
+TEST(ConvertRecording, ASummaryNeverReplacesASource) {
+    const TemporaryFolder folder;
+    const std::string text = readFile(ride());
+    const std::string source = folder.write("ride.gpx", text);
+    fs::create_symlink("ride.gpx", folder.file("link.gpx"));
+    for (const std::string &telemetry :
+         {source, folder.file("./ride.gpx"), folder.file("link.gpx")}) {
+        const Outcome outcome = testing::pelluvia(
+            {"convert", "--telemetry", telemetry, ride(), source, folder.file("out.gpx")});
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_THAT(outcome.errors, HasSubstr("--telemetry: a source is read there"));
+        EXPECT_EQ(readFile(source), text);
+        EXPECT_FALSE(fs::exists(folder.file("out.gpx")));
+    }
+    // What is read from standard input and what is written to standard output are two places.
+    const Outcome piped = testing::pelluvia(
+        {.arguments = {"convert", "--telemetry", "-", "-", folder.file("out.gpx")}, .input = text});
+    EXPECT_EQ(piped.status, 0);
+    EXPECT_THAT(piped.output, HasSubstr("TrackCount"));
+}
+
 TEST(ConvertRecording, AReplayShowsANumberAsItsShareIsNotKnown) {
     const TemporaryFolder folder;
     std::string points = "<gpx>";

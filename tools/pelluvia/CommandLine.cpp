@@ -34,8 +34,8 @@ struct Arguments {
     std::string to;
     std::optional<std::string> only;
     std::optional<std::string> date;
-    long baud = nmea::standardBaudRate;
-    std::int64_t gap = nmea::DecoderOptions().longestGap;
+    std::optional<std::string> baud;
+    std::optional<std::string> gap;
     std::string creator;
     bool record = false;
     bool minimize = false;
@@ -150,11 +150,26 @@ Format targetFormat(const std::string &path, const std::string &chosen) {
     throw unknownEnding(path, "--to");
 }
 
+/// Throws unless the text is a whole number from 0 on; an option that was not given is `standard`.
+template <class Number>
+Number wholeNumberOf(const std::optional<std::string> &text, const char *option, Number standard) {
+    if (!text) {
+        return standard;
+    }
+    Number value = -1;
+    const char *end = text->data() + text->size();
+    const auto [stop, error] = std::from_chars(text->data(), end, value);
+    if (error != std::errc() || stop != end || value < 0) {
+        throw CLI::ValidationError(option, "a whole number is needed that is not negative");
+    }
+    return value;
+}
+
 /// What the options of receivers say.
 nmea::DriverOptions driverOptions(const Arguments &arguments) {
     nmea::DriverOptions options;
-    options.baud = arguments.baud;
-    options.decoder.longestGap = arguments.gap;
+    options.baud = wholeNumberOf(arguments.baud, "--baud", options.baud);
+    options.decoder.longestGap = wholeNumberOf(arguments.gap, "--gap", options.decoder.longestGap);
     if (!nmea::isBaudRate(options.baud)) {
         throw CLI::ValidationError("--baud", "there is no such rate of serial lines");
     }
@@ -183,7 +198,8 @@ std::optional<float> toleranceOf(const std::optional<std::string> &text, const c
 }
 
 /// What the options of the recorder say; each of them asks for it.
-RecordingOptions recordingOptions(const Arguments &arguments, const std::string &target) {
+RecordingOptions recordingOptions(const Arguments &arguments, const std::vector<Source> &sources,
+                                  const std::string &target) {
     RecordingOptions options;
     options.pointSlop = toleranceOf(arguments.pointSlop, "--point-slop");
     options.slopeSlop = toleranceOf(arguments.slopeSlop, "--slope-slop");
@@ -195,6 +211,13 @@ RecordingOptions recordingOptions(const Arguments &arguments, const std::string 
     }
     if (options.telemetry && TargetFile::isSamePlace(*options.telemetry, target)) {
         throw CLI::ValidationError("--telemetry", "the target is written there");
+    }
+    // A target may be one of its sources: it is their conversion. A summary would only destroy it.
+    const auto isTelemetry = [&](const Source &source) {
+        return source.path != "-" && TargetFile::isSamePlace(*options.telemetry, source.path);
+    };
+    if (options.telemetry && std::any_of(sources.begin(), sources.end(), isTelemetry)) {
+        throw CLI::ValidationError("--telemetry", "a source is read there");
     }
     return options;
 }
@@ -219,7 +242,7 @@ ConvertOptions convertOptions(const Arguments &arguments) {
     }
     options.targetFormat = targetFormat(options.target, arguments.to);
     options.nmea = driverOptions(arguments);
-    options.recording = recordingOptions(arguments, options.target);
+    options.recording = recordingOptions(arguments, options.sources, options.target);
     if (arguments.only) {
         options.only = selectionOf(*arguments.only);
     }
@@ -273,8 +296,7 @@ CLI::App *addConvert(CLI::App &app, Arguments &arguments) {
         ->add_option("--date", arguments.date, "Date of the start of an NMEA log that tells none")
         ->option_text("YYYY-MM-DD");
     command->add_option("--gap", arguments.gap, "Break an NMEA track after so long a pause (300)")
-        ->option_text("SECONDS")
-        ->check(CLI::NonNegativeNumber);
+        ->option_text("SECONDS");
     addRecording(*command, arguments);
     command->add_flag("--classic", arguments.classic,
                       "Nothing between producer and target, as without recording");

@@ -1,11 +1,21 @@
 #include <Pelluvia/platform/storage/DocumentStore.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 #include <unistd.h>
 
 namespace pelluvia::storage {
 
 namespace {
+
+/// The store of a runtime folder, which may be named by way of symbolic links: bookmarks hold paths
+/// without any.
+std::string storeIn(const std::string &runtimeFolder) {
+    std::error_code error;
+    const std::filesystem::path real = std::filesystem::canonical(runtimeFolder, error);
+    return (error ? runtimeFolder : real.string()) + "/doc/";
+}
 
 /// Where the store is mounted. Some sandboxes give the program a runtime folder of its own, with
 /// the store left in the user's.
@@ -13,9 +23,9 @@ std::vector<std::string> mountPoints() {
     std::vector<std::string> result;
     const char *const runtime = std::getenv("XDG_RUNTIME_DIR"); // NOLINT(concurrency-mt-unsafe)
     if (runtime != nullptr && *runtime == '/') {
-        result.push_back(std::string(runtime) + "/doc/");
+        result.push_back(storeIn(runtime));
     }
-    const std::string usual = "/run/user/" + std::to_string(::getuid()) + "/doc/";
+    const std::string usual = storeIn("/run/user/" + std::to_string(::getuid()));
     if (result.empty() || result.front() != usual) {
         result.push_back(usual);
     }

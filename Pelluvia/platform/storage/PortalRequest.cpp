@@ -65,6 +65,10 @@ struct PortalRequest::Pending {
     }
 };
 
+// What a handler throws, `finish` catches. What else may be thrown (there is no memory) must not
+// pass through C, and ends the program.
+// NOLINTBEGIN(bugprone-exception-escape)
+
 PortalRequest::PortalRequest(PortalQuestion question, Handler handler)
     : question_(std::move(question)),
       handler_(std::move(handler)),
@@ -328,5 +332,7 @@ void PortalRequest::finish(const PortalAnswer &answer) {
         logLine("A folder prompt's handler failed");
     }
 }
+
+// NOLINTEND(bugprone-exception-escape)
 
 } // namespace pelluvia::storage

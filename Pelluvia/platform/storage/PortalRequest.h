@@ -73,8 +73,11 @@ class PortalRequest : public std::enable_shared_from_this<PortalRequest> {
     void finish(const PortalAnswer &answer);
     [[nodiscard]] bool hasEnded() const noexcept { return !handler_; }
 
+    // Without memory, the program ends: nothing may be thrown through C.
+    // NOLINTBEGIN(bugprone-exception-escape)
     static void connected(GObject *source, GAsyncResult *result, gpointer data) noexcept;
     static void answered(GObject *source, GAsyncResult *result, gpointer data) noexcept;
+    // NOLINTEND(bugprone-exception-escape)
 
     PortalQuestion question_;
     Handler handler_;

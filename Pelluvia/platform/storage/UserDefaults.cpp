@@ -58,13 +58,13 @@ UserDefaults UserDefaults::standardUserDefaults() {
     return UserDefaults(configurationFolder() + "/" + applicationName());
 }
 
-bool UserDefaults::setApplicationIdentifier(std::string_view text) {
-    if (text.empty() || text == "." || text == ".." ||
-        text.find_first_of(std::string_view("/\0", 2)) != std::string_view::npos) {
+bool UserDefaults::setApplicationIdentifier(std::string_view name) {
+    if (name.empty() || name == "." || name == ".." ||
+        name.find_first_of(std::string_view("/\0", 2)) != std::string_view::npos) {
         return false;
     }
     const std::scoped_lock lock(identifier().mutex);
-    identifier().text = text;
+    identifier().text = name;
     return true;
 }
 
