@@ -211,7 +211,7 @@ TEST(ConvertNMEA, ADocumentComesBackOverALogToTheResolutionOfSentences) {
 }
 
 TEST(ConvertNMEA, AnInterruptBringsTheTargetToAProperEnd) {
-    for (const int number : {SIGINT, SIGTERM}) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         const TemporaryFolder folder;
         const std::string target = folder.write("out.gpx", "old");
         LiveReceiver receiver({target});
