@@ -72,11 +72,11 @@ TEST(Decoder, DoesNotBelieveTheHalfOfASentence) {
 
 TEST(Decoder, SendsAPointAsSoonAsTheNextEpochBegins) {
     pelluvia::testing::CallList list;
-    Decoder decoder(list, {.day = 0, .longestGap = 300});
-    decoder.addLine("$" + fix);
+    Decoder decoder(list, {});
+    decoder.addLine("$GPRMC,225443,A,4916.45,N,12311.12,W,,,191194,,,A");
     EXPECT_EQ(decoder.tally().points, 0);
     EXPECT_TRUE(decoder.current().position());
-    decoder.addLine("$GPGLL,4916.45,N,12311.12,W,225444,A");
+    decoder.addLine("$" + fix);
     EXPECT_EQ(decoder.tally().points, 1);
     EXPECT_THAT(list.calls, ElementsAre("start 1", "track", "segment", "point"));
 }

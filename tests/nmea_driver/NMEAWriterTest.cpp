@@ -158,11 +158,29 @@ TEST(NMEAWriter, LeavesOutAndCountsWhatTheFormatCannotHold) {
     written.writer->routePoint({.latitude = -90.5}, nullptr);
     written.writer->trackPoint({.latitude = 48.0, .longitude = 11.5, .time = -1}, nullptr);
     EXPECT_EQ(written.writer->omissions(), (Omissions{.points = 5, .times = 1}));
-    EXPECT_EQ(textOf(written.writer->omissions()),
-              "left out: 5 without a position on the globe, 1 times before 1970 or after 2069");
-    EXPECT_EQ(textOf(Omissions{}), "");
     EXPECT_EQ(written.log(), logOf({"GPRTE,1,1,c,ROUTE1", "GPRMC,,A,4800.000,N,01130.000,E,,,,,,A",
                                     "GPGGA,,4800.000,N,01130.000,E,1,,,,M,,M,,"}));
+}
+
+TEST(NMEAWriter, CountsAltitudesAndSpeedsThatCannotBe) {
+    Written written;
+    Dictionary backwards;
+    backwards.set(extras::speed, Value(-1.0F));
+    const GPSPoint point = {.latitude = 48.0, .longitude = 11.5, .altitude = 1e300};
+    written.writer->trackPoint(point, &backwards);
+    written.writer->trackPoint({.latitude = 48.0, .longitude = 11.5}, nullptr);
+    written.writer->wayPoint(point, nullptr); // no waypoint has an altitude
+    EXPECT_EQ(written.writer->omissions(), (Omissions{.values = 2}));
+}
+
+TEST(Omissions, AreOneLine) {
+    EXPECT_EQ(textOf(Omissions{}), "");
+    EXPECT_EQ(textOf({.points = 1, .times = 1, .values = 1, .routePoints = 1}),
+              "left out: 1 point without a position on the globe, 1 time before 1970 or after "
+              "2069, 1 altitude or speed that cannot be, 1 point of a route with too many");
+    EXPECT_EQ(textOf({.points = 2, .times = 3, .values = 4, .routePoints = 5}),
+              "left out: 2 points without a position on the globe, 3 times before 1970 or after "
+              "2069, 4 altitudes or speeds that cannot be, 5 points of a route with too many");
 }
 
 TEST(NMEAWriter, IgnoresWhatTheFormatHasNoPlaceFor) {

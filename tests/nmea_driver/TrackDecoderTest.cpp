@@ -200,22 +200,28 @@ TEST(TrackDecoder, PointsBeforeTheFirstDateGetItToo) {
     EXPECT_EQ(decoded.tally.pointsWithoutDate, 0);
 }
 
-TEST(TrackDecoder, OnlySoManyPointsWaitForADate) {
+constexpr int moreThanWait = static_cast<int>(TrackSender::mostHeld) + 2;
+
+/// So many points without a date, a second apart from noon on.
+std::string manyPoints() {
     std::string log;
-    const int points = static_cast<int>(TrackSender::mostHeld) + 2;
-    for (int second = 0; second < points; ++second) {
+    for (int second = 0; second < moreThanWait; ++second) {
         std::string digits = std::to_string(second / 60 * 100 + second % 60);
         digits.insert(0, 4 - digits.size(), '0');
         log += sentence(gga("12" + digits, "01.000"));
     }
-    log += sentence(rmc("130000", "02.000"));
+    return log;
+}
+
+TEST(TrackDecoder, OnlySoManyPointsWaitForADate) {
+    const std::string log = manyPoints() + sentence(rmc("130000", "02.000"));
     const auto decoded = decode(log, {.day = std::nullopt, .longestGap = 100'000});
     const auto times = timesOf(decoded);
-    ASSERT_EQ(times.size(), static_cast<std::size_t>(points) + 1);
+    ASSERT_EQ(times.size(), static_cast<std::size_t>(moreThanWait) + 1);
     EXPECT_EQ(times[0], 0);
     EXPECT_EQ(times[times.size() - 2], 0);
     EXPECT_EQ(times.back(), march23 + 46'800);
-    EXPECT_EQ(decoded.tally.pointsWithoutDate, points);
+    EXPECT_EQ(decoded.tally.pointsWithoutDate, moreThanWait);
 }
 
 TEST(TrackDecoder, ALogWithoutADateHasNoTimesAndSaysSo) {
@@ -235,6 +241,27 @@ TEST(TrackDecoder, ADateInTheLogGoesBeforeTheOneThatIsGiven) {
     const auto decoded =
         decode(logOf({rmc("120000", "01.000")}), {.day = 10'000, .longestGap = 300});
     EXPECT_THAT(timesOf(decoded), ElementsAre(march23 + 43'200));
+}
+
+TEST(TrackDecoder, ADateInTheLogCountsForThePointsBeforeItToo) {
+    const auto decoded = decode(logOf({gga("235958", "01.000"), gga("000000", "02.000"),
+                                       rmc("000001", "03.000", "240394")}),
+                                {.day = 10'000, .longestGap = 300});
+    EXPECT_THAT(timesOf(decoded),
+                ElementsAre(march23 + 86'398, march23 + 86'400, march23 + 86'401));
+    EXPECT_THAT(decoded.list.calls,
+                ElementsAre("start 1", "track", "segment", "point", "point", "point", "end 1"));
+}
+
+TEST(TrackDecoder, ADateThatComesTooLateLeavesTheOneThatIsGiven) {
+    const std::string log = manyPoints() + sentence(rmc("130000", "02.000"));
+    const auto decoded = decode(log, {.day = march23 / 86'400 - 1, .longestGap = 100'000});
+    const auto times = timesOf(decoded);
+    ASSERT_EQ(times.size(), static_cast<std::size_t>(moreThanWait) + 1);
+    EXPECT_EQ(times[0], march23 - 43'200);
+    EXPECT_EQ(times[times.size() - 2], march23 - 43'200 + moreThanWait - 1);
+    EXPECT_EQ(times.back(), march23 + 46'800);
+    EXPECT_EQ(decoded.tally.pointsWithoutDate, 0);
 }
 
 TEST(TrackDecoder, ADateOfAVoidSentenceIsNotBelieved) {

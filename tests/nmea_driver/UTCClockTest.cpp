@@ -34,11 +34,20 @@ TEST(UTCClock, CountsDaysFromZeroUntilADateIsKnown) {
     EXPECT_EQ(clock.instantOf(hours(2)), day * wholeDay + hours(2));
 }
 
-TEST(UTCClock, TakesALaterDateWithoutChangingWhatWasBefore) {
+TEST(UTCClock, TellsWhatInstantsLackedWithTheFirstDateOnly) {
+    UTCClock clock(std::nullopt);
+    EXPECT_EQ(clock.instantOf(hours(5)), hours(5));
+    EXPECT_EQ(clock.setDate(day, hours(6)), day * wholeDay);
+    EXPECT_EQ(clock.setDate(day + 7, hours(7)), milliseconds(0));
+    EXPECT_EQ(clock.instantOf(hours(8)), (day + 7) * wholeDay + hours(8));
+}
+
+TEST(UTCClock, ADayThatIsGivenGivesWayToTheFirstDate) {
     UTCClock clock(day);
+    EXPECT_FALSE(clock.isDated());
     EXPECT_EQ(clock.instantOf(hours(5)), day * wholeDay + hours(5));
-    EXPECT_EQ(clock.setDate(day + 7, hours(6)), milliseconds(0));
-    EXPECT_EQ(clock.instantOf(hours(7)), (day + 7) * wholeDay + hours(7));
+    EXPECT_EQ(clock.setDate(day - 7, hours(6)), -7 * wholeDay);
+    EXPECT_EQ(clock.instantOf(hours(7)), (day - 7) * wholeDay + hours(7));
 }
 
 TEST(UTCClock, FollowsADateOverMidnightOnlyOnce) {

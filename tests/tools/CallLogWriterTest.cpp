@@ -2,6 +2,8 @@
 
 #include "CallLogs.h"
 
+#include <tools/pelluvia/calllog/CallLogLimits.h>
+
 #include <Pelluvia/model/ErrorDomains.h>
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/platform/Array.h>
@@ -129,6 +131,29 @@ TEST(CallLogWriter, WhatALogCannotShowIsLeftOut) {
     EXPECT_EQ(writtenLog([&](CallLogWriter &writer) { writer.newRoute(&extra); }),
               R"({"call":"newRoute:","extra":{"values":[2]}})"
               "\n");
+}
+
+TEST(CallLogWriter, AnArrayThatWouldMakeALineTooLongForItsReaderIsLeftOut) {
+    Dictionary point;
+    point.set(extras::point, Value::wrapping(somewhere));
+    const auto points = Ref<Array>::make();
+    for (std::size_t i = 0; i < callLogLimits::elements; ++i) {
+        points->append(Value(Ref<Dictionary>::make(point)));
+    }
+    Dictionary track;
+    track.set(extras::name, Value("long"));
+    track.set(extras::points, Value(points));
+    const auto written = [&track] {
+        return writtenLog([&track](CallLogWriter &writer) { writer.newTrack(&track); });
+    };
+
+    const std::string longest = written();
+    EXPECT_THAT(longest, ::testing::HasSubstr(R"({"name":"long","points":[{"point":)"));
+    EXPECT_LT(longest.size(), callLogLimits::lineSize / 2) << "room for what comes with points";
+
+    points->append(Value(Ref<Dictionary>::make(point)));
+    EXPECT_EQ(written(), R"({"call":"newTrack:","extra":{"name":"long"}})"
+                         "\n");
 }
 
 TEST(CallLogWriter, ErrorsShowTheirUserInformationAndTheErrorsBelow) {

@@ -147,6 +147,13 @@ TEST(CommandLine, AnOptionTakesOneArgumentOnly) {
     EXPECT_EQ(options.target, "b.gpx");
 }
 
+TEST(CommandLine, FilesBehindTwoDashesMayLookLikeOptions) {
+    const ConvertOptions options = convertOf({"convert", "--", "-1.gpx", "-q.gpx"});
+    ASSERT_EQ(options.sources.size(), 1U);
+    EXPECT_EQ(options.sources[0].path, "-1.gpx");
+    EXPECT_EQ(options.target, "-q.gpx");
+}
+
 TEST(CommandLine, InfoTakesAnyNumberOfFiles) {
     const Command command = parsed({"info", "--json", "a.gpx", "-", "b"});
     const auto *options = std::get_if<InfoOptions>(&command);
@@ -185,8 +192,9 @@ TEST_P(WrongUsage, IsAnsweredWithTheReasonAndTheUsage) {
 
 constexpr const char *programUsage = "Usage: pelluvia COMMAND";
 constexpr const char *convertUsage = "Usage: pelluvia convert [OPTIONS] SOURCE... TARGET";
-constexpr const char *noGap = "--gap: a whole number is needed that is not negative\n";
-constexpr const char *noBaud = "--baud: a whole number is needed that is not negative\n";
+constexpr const char *noGap = "--gap: a whole number from 0 to 9223372036854775807 is needed\n";
+constexpr const char *noBaud = "--baud: a whole number from 0 to 9223372036854775807 is needed\n";
+constexpr const char *noSlop = "-slop: a number from 0 to 3.4e38 is needed\n";
 constexpr const char *infoUsage = "Usage: pelluvia info [OPTIONS] FILE...";
 
 INSTANTIATE_TEST_SUITE_P(
@@ -212,11 +220,20 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"convert", "--gap", "99999999999999999999", "a.nmea", "b.gpx"}, noGap, convertUsage},
         Wrong{{"convert", "--gap", "", "a.nmea", "b.gpx"}, noGap, convertUsage},
         Wrong{{"convert", "--baud", "fast", "a.nmea", "b.gpx"}, noBaud, convertUsage},
+        Wrong{{"convert", "--point-slop", "-1e-60", "a.gpx", "b.gpx"}, noSlop, convertUsage},
+        Wrong{{"convert", "--slope-slop", "1e39", "a.gpx", "b.gpx"}, noSlop, convertUsage},
+        Wrong{{"convert", "--minimize=-1", "a.gpx", "b.gpx"}, "--minimize: no value", convertUsage},
+        Wrong{
+            {"convert", "--minimize=far", "a.gpx", "b.gpx"}, "--minimize: no value", convertUsage},
+        Wrong{{"convert", "--minimize", "-1", "a.gpx", "b.gpx"}, "no option \"-1\"", convertUsage},
+        Wrong{{"convert", "--record=0", "a.gpx", "b.gpx"}, "--record: no value", convertUsage},
         Wrong{{"convert", "-", "-", "b.gpx"}, "only once", convertUsage},
         Wrong{{"authorize"}, "a folder is needed", "Usage: pelluvia authorize [-v] FOLDER"},
         Wrong{{"authorized", "a", "b"}, "b", "Usage: pelluvia authorized [-v] FOLDER"},
         Wrong{{"info"}, "a file is needed", infoUsage},
         Wrong{{"info", "-", "-"}, "only once", infoUsage},
+        Wrong{{"info", "-5", "a.gpx"}, "no option \"-5\"", infoUsage},
+        Wrong{{"info", "--json=0", "a.gpx"}, "--json: no value", infoUsage},
         Wrong{{"info", "--xml", "a.gpx"}, "--xml", infoUsage}));
 
 TEST(CommandLine, HelpIsAnsweredForTheProgramAndForEachCommand) {

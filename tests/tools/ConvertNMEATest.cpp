@@ -120,7 +120,8 @@ TEST(ConvertNMEA, SaysWhatALogCannotHold) {
                   "\"altitude\":0.0,\"time\":0,\"test\":0},\"extra\":null}\n"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.errors, "standard output: left out: 1 without a position on the globe\n");
+    EXPECT_EQ(outcome.errors,
+              "standard output: left out: 1 point without a position on the globe\n");
 }
 
 TEST(ConvertNMEA, WrongOptionsAreWrongUsage) {
@@ -210,7 +211,7 @@ TEST(ConvertNMEA, ADocumentComesBackOverALogToTheResolutionOfSentences) {
 }
 
 TEST(ConvertNMEA, AnInterruptBringsTheTargetToAProperEnd) {
-    for (const int number : {SIGINT, SIGTERM}) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         const TemporaryFolder folder;
         const std::string target = folder.write("out.gpx", "old");
         LiveReceiver receiver({target});

@@ -3,20 +3,19 @@
 #include <tools/pelluvia/CommandTexts.h>
 #include <tools/pelluvia/CreatorText.h>
 #include <tools/pelluvia/ExitStatus.h>
+#include <tools/pelluvia/OptionValues.h>
 #include <tools/pelluvia/SourceFile.h>
 #include <tools/pelluvia/TargetFile.h>
 #include <tools/pelluvia/nmea/Driver.h>
 #include <tools/pelluvia/nmea/SerialPort.h>
 
 #include <Pelluvia/model/Version.h>
-#include <Pelluvia/platform/Number.h>
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <optional>
 #include <sstream>
 #include <string_view>
@@ -62,28 +61,6 @@ std::string versionText() {
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(),
                                    PelluviaVersionNumber, std::chars_format::fixed, 1);
     return "pelluvia " + std::string(digits.data(), end.ptr);
-}
-
-/// Throws unless the text is a list of kinds.
-Selection selectionOf(const std::string &list) {
-    Selection only{.tracks = false, .routes = false, .waypoints = false};
-    std::string_view rest = list;
-    for (bool isLast = false; !isLast;) {
-        const std::size_t comma = rest.find(',');
-        const std::string kind(rest.substr(0, comma));
-        isLast = comma == std::string_view::npos;
-        rest.remove_prefix(isLast ? rest.size() : comma + 1);
-        bool *chosen = kind == "tracks"      ? &only.tracks
-                       : kind == "routes"    ? &only.routes
-                       : kind == "waypoints" ? &only.waypoints
-                                             : nullptr;
-        if (chosen == nullptr) {
-            throw CLI::ValidationError("--only",
-                                       "\"" + kind + "\" is not one of tracks, routes, waypoints");
-        }
-        *chosen = true;
-    }
-    return only;
 }
 
 std::string lowered(std::string text) {
@@ -150,25 +127,10 @@ Format targetFormat(const std::string &path, const std::string &chosen) {
     throw unknownEnding(path, "--to");
 }
 
-/// Throws unless the text is a whole number from 0 on; an option that was not given is `standard`.
-template <class Number>
-Number wholeNumberOf(const std::optional<std::string> &text, const char *option, Number standard) {
-    if (!text) {
-        return standard;
-    }
-    Number value = -1;
-    const char *end = text->data() + text->size();
-    const auto [stop, error] = std::from_chars(text->data(), end, value);
-    if (error != std::errc() || stop != end || value < 0) {
-        throw CLI::ValidationError(option, "a whole number is needed that is not negative");
-    }
-    return value;
-}
-
 /// What the options of receivers say.
 nmea::DriverOptions driverOptions(const Arguments &arguments) {
     nmea::DriverOptions options;
-    options.baud = wholeNumberOf(arguments.baud, "--baud", options.baud);
+    options.baud = static_cast<long>(wholeNumberOf(arguments.baud, "--baud", options.baud));
     options.decoder.longestGap = wholeNumberOf(arguments.gap, "--gap", options.decoder.longestGap);
     if (!nmea::isBaudRate(options.baud)) {
         throw CLI::ValidationError("--baud", "there is no such rate of serial lines");
@@ -180,21 +142,6 @@ nmea::DriverOptions driverOptions(const Arguments &arguments) {
         }
     }
     return options;
-}
-
-/// Throws unless the text is a finite number that is not negative.
-std::optional<float> toleranceOf(const std::optional<std::string> &text, const char *option) {
-    if (!text) {
-        return std::nullopt;
-    }
-    double value = -1.0;
-    const char *end = text->data() + text->size();
-    const auto [stop, error] = std::from_chars(text->data(), end, value);
-    const float tolerance = roundedFloat(value);
-    if (error != std::errc() || stop != end || !std::isfinite(tolerance) || tolerance < 0.0F) {
-        throw CLI::ValidationError(option, "a number is needed that is not negative");
-    }
-    return tolerance;
 }
 
 /// What the options of the recorder say; each of them asks for it.
@@ -262,9 +209,34 @@ InfoOptions infoOptions(const Arguments &arguments) {
     return {.files = arguments.files, .json = arguments.json, .verbose = arguments.verbose};
 }
 
+/// Adds an option that takes no value. CLI11 would read one behind a "=", and take a flag of 0 or
+/// of a negative number back.
+void addFlag(CLI::App &command, const char *name, bool &flag, const char *description) {
+    command.add_flag(name, flag, description)
+        ->check(CLI::Validator(
+            [](const std::string &value) {
+                return value == "true" ? std::string() : "no value is taken";
+            },
+            ""));
+}
+
+/// To CLI11, a dash and a digit begin a number and no option, so it takes them for a file.
+void refuseNumbers(const std::vector<std::string> &files, int argc, const char *const *argv) {
+    using namespace std::string_view_literals;
+    if (std::find(argv, argv + argc, "--"sv) != argv + argc) {
+        return; // files behind it may have any name
+    }
+    for (const std::string &file : files) {
+        if (file.size() > 1 && file.front() == '-') {
+            throw CLI::ValidationError("there is no option \"" + file +
+                                       "\"; a file of that name is ./" + file);
+        }
+    }
+}
+
 void addRecording(CLI::App &command, Arguments &arguments) {
-    command.add_flag("--record", arguments.record, "Record all first, then replay it");
-    command.add_flag("--minimize", arguments.minimize, "Thin tracks while recording");
+    addFlag(command, "--record", arguments.record, "Record all first, then replay it");
+    addFlag(command, "--minimize", arguments.minimize, "Thin tracks while recording");
     command
         .add_option("--point-slop", arguments.pointSlop,
                     "Thin: points as near as this are one (0.0001)")
@@ -298,13 +270,13 @@ CLI::App *addConvert(CLI::App &app, Arguments &arguments) {
     command->add_option("--gap", arguments.gap, "Break an NMEA track after so long a pause (300)")
         ->option_text("SECONDS");
     addRecording(*command, arguments);
-    command->add_flag("--classic", arguments.classic,
-                      "Nothing between producer and target, as without recording");
+    addFlag(*command, "--classic", arguments.classic,
+            "Nothing between producer and target, as without recording");
     command->add_option("--creator", arguments.creator, "The creator named in a GPX header")
         ->option_text("TEXT");
-    command->add_flag("-q,--quiet", arguments.quiet, "No progress bar");
-    command->add_flag("-v,--verbose", arguments.verbose,
-                      "Log lines on standard error, not in the system log");
+    addFlag(*command, "-q,--quiet", arguments.quiet, "No progress bar");
+    addFlag(*command, "-v,--verbose", arguments.verbose,
+            "Log lines on standard error, not in the system log");
     command->add_option("SOURCE... TARGET", arguments.files, "Files; - is standard input or output")
         ->option_text(" ")
         ->required()
@@ -315,9 +287,9 @@ CLI::App *addConvert(CLI::App &app, Arguments &arguments) {
 CLI::App *addInfo(CLI::App &app, Arguments &arguments) {
     CLI::App *command = app.add_subcommand("info", "Show what GPX files hold");
     command->footer(std::string(infoFooter));
-    command->add_flag("--json", arguments.json, "One JSON object a file, each on a line");
-    command->add_flag("-v,--verbose", arguments.verbose,
-                      "Log lines on standard error, not in the system log");
+    addFlag(*command, "--json", arguments.json, "One JSON object a file, each on a line");
+    addFlag(*command, "-v,--verbose", arguments.verbose,
+            "Log lines on standard error, not in the system log");
     command->add_option("FILE", arguments.files, "GPX files; - is standard input")
         ->option_text("...")
         ->required();
@@ -329,8 +301,8 @@ CLI::App *addStorage(CLI::App &app, Arguments &arguments, const char *name,
     CLI::App *command = app.add_subcommand(name, description);
     command->footer(
         std::string(name == std::string_view("authorize") ? authorizeFooter : authorizedFooter));
-    command->add_flag("-v,--verbose", arguments.verbose,
-                      "Log lines on standard error, not in the system log");
+    addFlag(*command, "-v,--verbose", arguments.verbose,
+            "Log lines on standard error, not in the system log");
     command
         ->add_option("FOLDER", arguments.files,
                      "The folder's path, as it was and will be asked for")
@@ -393,6 +365,7 @@ Command parseCommandLine(int argc, const char *const *argv) {
         addStorage(app, arguments, "authorized", "Show the folder that was granted");
     try {
         app.parse(argc, argv);
+        refuseNumbers(arguments.files, argc, argv);
         return *convert ? Command(convertOptions(arguments))
                : *info  ? Command(infoOptions(arguments))
                         : Command(storageOptions(arguments, static_cast<bool>(*authorized)));

@@ -45,8 +45,9 @@ inline constexpr std::string_view convertFooter =
 by the ending, .gpx, .jsonl (a call log: one call a line), .nmea or .log (NMEA 0183),
 unless --from or --to name them; standard input and output are GPX unless they do.
 
-An NMEA source may be a serial device. It is read until Ctrl-C or SIGTERM, which bring
-the target to a proper end. What was not used of a source is said in one line.
+An NMEA source may be a serial device. It is read until Ctrl-C, SIGTERM or the end of
+the terminal, which bring the target to a proper end. What was not used of a source is
+said in one line.
 
 With --record, or any of the options behind it, all sources are recorded in memory and
 then replayed: waypoints, routes, tracks, each track in one segment. --minimize leaves

@@ -5,10 +5,10 @@
 
 namespace pelluvia::host {
 
-/// While it lives, Ctrl-C and SIGTERM do not end the program but make a descriptor readable, for
-/// good, so that what is under way can be brought to a proper end. (Not the first one only: some
-/// programs send it to the process and then once more to its group.) A signal that the program's
-/// caller had switched off stays so.
+/// While it lives, Ctrl-C, SIGTERM, and the end of the terminal (SIGHUP) do not end the program but
+/// make a descriptor readable, for good, so that what is under way can be brought to a proper end.
+/// (Not the first one only: some programs send it to the process and then once more to its group.)
+/// A signal that the program's caller had switched off stays so.
 ///
 /// Threads: one object at a time.
 class InterruptWatch {
@@ -22,7 +22,7 @@ class InterruptWatch {
     [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
 
   private:
-    static constexpr std::array signals = {SIGINT, SIGTERM};
+    static constexpr std::array signals = {SIGINT, SIGTERM, SIGHUP};
 
     int descriptor_;
     std::array<struct sigaction, signals.size()> former_{};

@@ -1,5 +1,7 @@
 #include <tools/pelluvia/calllog/CallLogText.h>
 
+#include <tools/pelluvia/calllog/CallLogLimits.h>
+
 #include <Pelluvia/platform/Array.h>
 #include <Pelluvia/platform/NumberText.h>
 
@@ -16,8 +18,21 @@ char *append(char *out, std::string_view text) noexcept {
 }
 
 bool canBeShown(const Value &value) noexcept {
-    return !value.isNil() &&
-           (value.kind() != Value::Kind::Record || value.unwrap<GPSPoint>() != nullptr);
+    switch (value.kind()) {
+    case Value::Kind::Nil:
+        return false;
+    case Value::Kind::Record:
+        return value.unwrap<GPSPoint>() != nullptr;
+    case Value::Kind::Array:
+        return value.array()->size() <= callLogLimits::elements;
+    case Value::Kind::Integer:
+    case Value::Kind::Float:
+    case Value::Kind::Double:
+    case Value::Kind::String:
+    case Value::Kind::Dictionary:
+        break;
+    }
+    return true;
 }
 
 bool canBeShown(const ErrorValue &value) noexcept {

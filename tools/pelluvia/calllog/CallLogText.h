@@ -15,7 +15,8 @@ namespace pelluvia {
 /// The arguments of calls as they stand in a call log.
 ///
 /// Dictionaries and arrays are followed as deep as they nest. What a log cannot show, wrapped
-/// records of other types than `GPSPoint` and nil inside an array, is left out.
+/// records of other types than `GPSPoint`, nil inside an array and arrays of more than
+/// `callLogLimits::elements`, is left out.
 ///
 /// The file is borrowed. Threads: as for the file.
 class CallLogText {

@@ -16,7 +16,8 @@
 namespace pelluvia {
 
 /// A receiver that writes every call as one line of JSON, in order (see docs/call-log.md). It adds
-/// nothing and leaves nothing out: `CallLogReader` makes the same calls again from what it wrote.
+/// nothing and leaves no call out: `CallLogReader` makes the same calls again from what it wrote,
+/// less the values that a log cannot show (see `CallLogText`).
 ///
 /// A state change is a call like any other and does not close the file; `close` does.
 ///

@@ -19,7 +19,7 @@ namespace pelluvia::nmea {
 /// How sentences are made into points.
 struct DecoderOptions {
     /// The date of the first time of day, counted in days from 1970-01-01. Needed only for logs
-    /// without RMC and ZDA; a date in the log goes before it.
+    /// without RMC and ZDA; a date in the log goes before it, for the points before that date too.
     std::optional<std::int64_t> day;
     /// Seconds without a point after which a new segment begins.
     std::int64_t longestGap = 300;

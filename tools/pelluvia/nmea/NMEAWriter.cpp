@@ -35,10 +35,13 @@ std::string routeNameIn(const Dictionary *extra) {
     return {};
 }
 
-void addIfAny(std::string &text, std::int64_t count, std::string_view what) {
+/// Adds a count and what it counts: the one thing, or the many.
+void addIfAny(std::string &text, std::int64_t count, std::string_view one, std::string_view many,
+              std::string_view rest) {
     if (count != 0) {
         text.append(text.empty() ? "left out: " : ", ");
-        text.append(std::to_string(count)).append(" ").append(what);
+        text.append(std::to_string(count)).append(" ").append(count == 1 ? one : many);
+        text.append(" ").append(rest);
     }
 }
 
@@ -46,9 +49,10 @@ void addIfAny(std::string &text, std::int64_t count, std::string_view what) {
 
 std::string textOf(const Omissions &omissions) {
     std::string text;
-    addIfAny(text, omissions.points, "without a position on the globe");
-    addIfAny(text, omissions.routePoints, "of a route with too many points");
-    addIfAny(text, omissions.times, "times before 1970 or after 2069");
+    addIfAny(text, omissions.points, "point", "points", "without a position on the globe");
+    addIfAny(text, omissions.times, "time", "times", "before 1970 or after 2069");
+    addIfAny(text, omissions.values, "altitude or speed", "altitudes or speeds", "that cannot be");
+    addIfAny(text, omissions.routePoints, "point", "points", "of a route with too many");
     return text;
 }
 
@@ -77,10 +81,13 @@ void NMEAWriter::newRoute(const Dictionary *extra) {
 void NMEAWriter::trackPoint(GPSPoint point, const Dictionary *extra) {
     endRoute();
     if (isWritable(point)) {
-        const auto speed = numberUnder(extras::speed, extra);
-        writeSentence(rmcBody(point, speed ? std::optional(speed->floatValue()) : std::nullopt));
+        const auto number = numberUnder(extras::speed, extra);
+        const auto speed = number ? std::optional(number->floatValue()) : std::nullopt;
+        writeSentence(rmcBody(point, speed));
         writeSentence(ggaBody(point));
         omissions_.times += point.time != 0 && !isTellable(point.time) ? 1 : 0;
+        omissions_.values += point.altitude != 0.0 && !isAltitude(point.altitude) ? 1 : 0;
+        omissions_.values += speed && !isSpeed(*speed) ? 1 : 0;
     }
     countPoint();
 }

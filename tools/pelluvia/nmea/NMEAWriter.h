@@ -22,6 +22,7 @@ namespace pelluvia::nmea {
 struct Omissions {
     std::int64_t points = 0; ///< without a position on the globe
     std::int64_t times = 0;  ///< not in the years that a date of two digits tells, 1970 to 2069
+    std::int64_t values = 0; ///< altitudes and speeds that cannot be; see `isAltitude`, `isSpeed`
     std::int64_t routePoints = 0; ///< in a route, beyond `mostRouteNames`
 
     friend bool operator==(const Omissions &, const Omissions &) = default;

@@ -12,7 +12,6 @@ namespace {
 
 constexpr double knotsOfMetresASecond = 3600.0 / 1852.0;
 
-// What is beyond could not be true, and would make a sentence too long.
 constexpr double largestAltitude = 1'000'000.0;
 constexpr float largestSpeed = 100'000.0F;
 
@@ -48,6 +47,14 @@ bool isTellable(std::int64_t time) noexcept {
     return time > 0 && time < endOfTellableTime;
 }
 
+bool isAltitude(double metres) noexcept {
+    return std::abs(metres) <= largestAltitude;
+}
+
+bool isSpeed(float metresASecond) noexcept {
+    return metresASecond >= 0.0F && metresASecond <= largestSpeed;
+}
+
 std::string positionFields(const GPSPoint &point) {
     char direction = '\0';
     std::string fields =
@@ -63,7 +70,7 @@ std::string rmcBody(const GPSPoint &point, std::optional<float> speed) {
     const TimeFields fields = timeFields(point.time);
     std::string body = "GPRMC,";
     body.append(fields.time).append(",A,").append(positionFields(point)).append(",");
-    if (speed && *speed >= 0.0F && *speed <= largestSpeed) {
+    if (speed && isSpeed(*speed)) {
         body.append(thousandths(double{*speed} * knotsOfMetresASecond));
     }
     return body.append(",,").append(fields.date).append(",,,A");
@@ -73,7 +80,7 @@ std::string ggaBody(const GPSPoint &point) {
     std::string body = "GPGGA,";
     body.append(timeFields(point.time).time).append(",").append(positionFields(point));
     body.append(",1,,,");
-    if (point.altitude != 0.0 && std::abs(point.altitude) <= largestAltitude) {
+    if (point.altitude != 0.0 && isAltitude(point.altitude)) {
         body.append(thousandths(point.altitude));
     }
     return body.append(",M,,M,,");

@@ -17,7 +17,7 @@ namespace pelluvia::nmea {
 class TrackDecoder {
   public:
     /// The sender is borrowed. `day`, counted from 1970-01-01, is the date of the first time of day
-    /// in the log, if that is known; dates in the log go before it.
+    /// in a log that tells none.
     TrackDecoder(TrackSender &sender, std::optional<std::int64_t> day) noexcept
         : sender_(sender), clock_(day) {}
 

@@ -69,7 +69,7 @@ void TrackSender::send(const TrackSample &sample) {
     GPSPoint point = sample.point;
     if (sample.instant) {
         lastInstant_ = sample.instant;
-        if (isDated_) {
+        if (isDated_ || hasAssumedDay_) {
             point.time = std::chrono::floor<std::chrono::seconds>(*sample.instant).count();
         } else {
             ++tally_.pointsWithoutDate;

@@ -29,15 +29,19 @@ struct TrackSample {
 ///
 /// Points whose date is still to come are held back, up to `mostHeld` of them, and get their time
 /// from the first date: receivers tell it every second, but not always first. Beyond that they are
-/// sent without a time.
+/// sent with the day that is assumed, or else without a time.
 ///
 /// Threads: one at a time.
 class TrackSender {
   public:
-    /// The receiver and the tally are borrowed. `isDated`: instants are known from the start.
+    /// The receiver and the tally are borrowed. `hasAssumedDay`: instants are good enough without a
+    /// date, though a date is better.
     TrackSender(GPSOutputReceiver &receiver, Tally &tally, milliseconds longestGap,
-                bool isDated) noexcept
-        : receiver_(receiver), tally_(tally), longestGap_(longestGap), isDated_(isDated) {}
+                bool hasAssumedDay) noexcept
+        : receiver_(receiver),
+          tally_(tally),
+          longestGap_(longestGap),
+          hasAssumedDay_(hasAssumedDay) {}
 
     void add(const TrackSample &sample);
 
@@ -60,7 +64,8 @@ class TrackSender {
     GPSOutputReceiver &receiver_;
     Tally &tally_;
     milliseconds longestGap_;
-    bool isDated_;
+    bool hasAssumedDay_;
+    bool isDated_ = false;
     bool isHolding_ = true; ///< while not dated
     bool isTransferring_ = false;
     std::vector<TrackSample> held_;
