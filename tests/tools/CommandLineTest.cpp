@@ -219,6 +219,14 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"info", "-", "-"}, "only once", infoUsage},
         Wrong{{"info", "--xml", "a.gpx"}, "--xml", infoUsage}));
 
+TEST(CommandLine, AComplaintQuotesArgumentsOnOneLineAndHarmless) {
+    EXPECT_THAT(answerTo({"convert", "a.gpx", "b\n\x1B[2Jpelluvia: done"}).complaint,
+                StartsWith("pelluvia: b??[2Jpelluvia: done: the ending is none of"));
+    EXPECT_THAT(answerTo({"trans\nmute"}).complaint,
+                StartsWith("pelluvia: there is no command or option \"trans?mute\"\nUsage: "));
+    EXPECT_THAT(answerTo({"convert", "--a\nb", "a.gpx", "b.gpx"}).complaint, HasSubstr("--a?b\n"));
+}
+
 TEST(CommandLine, HelpIsAnsweredForTheProgramAndForEachCommand) {
     for (const auto &[arguments, text] :
          std::vector<std::pair<std::vector<const char *>, const char *>>{

@@ -3,6 +3,7 @@
 #include <tools/pelluvia/CommandTexts.h>
 #include <tools/pelluvia/CreatorText.h>
 #include <tools/pelluvia/ExitStatus.h>
+#include <tools/pelluvia/Messages.h>
 #include <tools/pelluvia/SourceFile.h>
 #include <tools/pelluvia/TargetFile.h>
 #include <tools/pelluvia/nmea/Driver.h>
@@ -345,14 +346,15 @@ StorageOptions storageOptions(const Arguments &arguments, bool isQuestion) {
         .folder = arguments.files.front(), .isQuestion = isQuestion, .verbose = arguments.verbose};
 }
 
-/// A complaint about the usage of the command that was named, or of the program.
+/// A complaint about the usage of the command that was named, or of the program. The message may
+/// quote arguments, whose line ends are not ours.
 Answer complaintOf(const CLI::App &app, const std::string &message) {
     const auto named = app.get_subcommands();
     const std::string command = named.empty() ? std::string() : named.back()->get_name();
     const std::string program = command.empty() ? "pelluvia" : "pelluvia " + command;
     return {.status = exitStatus::wrongUsage,
             .output = {},
-            .complaint = "pelluvia: " + message + "\nUsage: " +
+            .complaint = "pelluvia: " + harmless(message) + "\nUsage: " +
                          std::string(usageOf(command.empty() ? "pelluvia" : command)) +
                          "\nTry: " + program + " --help\n"};
 }
