@@ -280,6 +280,16 @@ void addRecording(CLI::App &command, Arguments &arguments) {
         ->option_text("FILE");
 }
 
+/// At least one path, and as many as there are. CLI11 must not be told that there may be more than
+/// are needed: it would take a path [a,b] for a list of two, and none behind "--".
+void takePathsAsTheyAre(CLI::Option &paths) {
+    constexpr int many = CLI::detail::expected_max_vector_size;
+    paths.required()
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->expected(many, many)
+        ->allow_extra_args(false);
+}
+
 CLI::App *addConvert(CLI::App &app, Arguments &arguments) {
     CLI::App *command = app.add_subcommand("convert", "Convert GPX files, NMEA logs and call logs");
     command->footer(std::string(convertFooter));
@@ -306,10 +316,11 @@ CLI::App *addConvert(CLI::App &app, Arguments &arguments) {
     command->add_flag("-q,--quiet", arguments.quiet, "No progress bar");
     command->add_flag("-v,--verbose", arguments.verbose,
                       "Log lines on standard error, not in the system log");
-    command->add_option("SOURCE... TARGET", arguments.files, "Files; - is standard input or output")
-        ->option_text(" ")
-        ->required()
-        ->expected(1, CLI::detail::expected_max_vector_size);
+    CLI::Option *files = command
+                             ->add_option("SOURCE... TARGET", arguments.files,
+                                          "Files; - is standard input or output")
+                             ->option_text(" ");
+    takePathsAsTheyAre(*files);
     return command;
 }
 
@@ -319,9 +330,10 @@ CLI::App *addInfo(CLI::App &app, Arguments &arguments) {
     command->add_flag("--json", arguments.json, "One JSON object a file, each on a line");
     command->add_flag("-v,--verbose", arguments.verbose,
                       "Log lines on standard error, not in the system log");
-    command->add_option("FILE", arguments.files, "GPX files; - is standard input")
-        ->option_text("...")
-        ->required();
+    CLI::Option *files =
+        command->add_option("FILE", arguments.files, "GPX files; - is standard input")
+            ->option_text("...");
+    takePathsAsTheyAre(*files);
     return command;
 }
 
@@ -337,7 +349,8 @@ CLI::App *addStorage(CLI::App &app, Arguments &arguments, const char *name,
                      "The folder's path, as it was and will be asked for")
         ->option_text(" ")
         ->required()
-        ->expected(1);
+        ->expected(1)
+        ->allow_extra_args(false); // or [a,b] would be two
     return command;
 }
 
