@@ -162,6 +162,31 @@ TEST_F(Exporter, ATrackStaysOpenAcrossTheEndOfAWaypointTransfer) {
               "<trk>\n<name>unnamed</name>\n<trkseg>\n" + someTrackPoint + "</trkseg>\n</trk>\n");
 }
 
+TEST_F(Exporter, ATrackLeftOpenEndsBeforeWhatCannotStandInIt) {
+    const std::string track = "<trk>\n<trkseg>\n" + someTrackPoint + "</trkseg>\n</trk>\n";
+    const auto leaveTrackOpen = [this] {
+        exporter->trackPoint(somewhere, nullptr);
+        exporter->endTransfer(transferKind::waypoints);
+    };
+    leaveTrackOpen();
+    exporter->wayPoint(somewhere, nullptr);
+    leaveTrackOpen();
+    exporter->newTrack(nullptr);
+    exporter->newRoute(nullptr);
+    exporter->endTransfer(transferKind::routes);
+    leaveTrackOpen();
+    exporter->newRoute(nullptr);
+    exporter->endTransfer(transferKind::routes);
+    leaveTrackOpen();
+    exporter->lapInfoStart({91, 0, 0, 0, 0}, {91, 0, 0, 0, 0}, nullptr);
+    EXPECT_EQ(body(), track + "<wpt lat=\"1\" lon=\"2\"></wpt>\n" + track +
+                          "<trk>\n<name>unnamed</name>\n</trk>\n<rte>\n</rte>\n" + track +
+                          "<rte>\n</rte>\n" + track +
+                          "<extensions><gpxdata:lap xmlns=\"" PELLUVIA_GPXDATA_NAMESPACE "\">\n"
+                          "\t<startTime>1970-01-01T00:00:00Z</startTime>\n"
+                          "</gpxdata:lap>\n</extensions>");
+}
+
 TEST_F(Exporter, WritesLaps) {
     const Dictionary extras = dictionaryOf(extras::calories, 5);
     exporter->lapInfoStart({1, 2, 0, 0, 0}, {3, 4, 0, 0, 0}, &extras);

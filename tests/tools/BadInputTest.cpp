@@ -171,6 +171,21 @@ TEST_F(BadInput, WhatWasSentBeforeTheFaultIsWritten) {
                       HasSubstr("<wpt lat=\"3\" lon=\"4\">"), HasSubstr("</gpx>\n")));
 }
 
+TEST_F(BadInput, APartialResultDoesNotReplaceASource) {
+    for (const char *source : {"good.gpx.partial", "good.gpx.partial.partial"}) {
+        folder.write(source, "<gpx>");
+    }
+    fs::create_symlink("good.gpx.partial", folder.file("link.gpx"));
+    const Outcome outcome =
+        run({"convert", "--from", "gpx", "link.gpx", "good.gpx.partial.partial", "good.gpx"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors,
+                HasSubstr("pelluvia: good.gpx.partial.partial.partial is partial: "));
+    expectGoodTargetUntouched();
+    EXPECT_EQ(readFile(folder.file("good.gpx.partial")), "<gpx>");
+    EXPECT_EQ(readFile(folder.file("good.gpx.partial.partial")), "<gpx>");
+}
+
 TEST_F(BadInput, WhatComesBehindABadSourceIsNotRead) {
     folder.write("bad.gpx", "<gpx>");
     const Outcome outcome = run({"convert", "--to", "calls", "bad.gpx", ride(), "-"});

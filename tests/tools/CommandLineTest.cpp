@@ -108,6 +108,19 @@ TEST(CommandLine, OptionsMayFollowThePaths) {
     EXPECT_EQ(options.creator, "Tom &amp; &#196;nne");
 }
 
+TEST(CommandLine, WhatFollowsTwoDashesIsAPathWhereverTheyStand) {
+    for (const std::vector<const char *> &arguments : std::vector<std::vector<const char *>>{
+             {"convert", "--", "a.gpx", "-b.gpx", "--c.gpx"},
+             {"convert", "a.gpx", "--", "-b.gpx", "--c.gpx"},
+             {"convert", "a.gpx", "-q", "--", "-b.gpx", "--c.gpx"}}) {
+        const ConvertOptions options = convertOf(arguments);
+        ASSERT_EQ(options.sources.size(), 2U);
+        EXPECT_EQ(options.sources[0].path, "a.gpx");
+        EXPECT_EQ(options.sources[1].path, "-b.gpx");
+        EXPECT_EQ(options.target, "--c.gpx");
+    }
+}
+
 TEST(CommandLine, NothingIsRecordedUnlessAskedFor) {
     const RecordingOptions options = convertOf({"convert", "a.gpx", "b.gpx"}).recording;
     EXPECT_FALSE(options.isWanted);
@@ -160,6 +173,24 @@ TEST(CommandLine, InfoTakesAnyNumberOfFiles) {
     ASSERT_NE(options, nullptr);
     EXPECT_THAT(options->files, ::testing::ElementsAre("a.gpx", "-", "b"));
     EXPECT_TRUE(options->json);
+}
+
+TEST(CommandLine, PathsInBracketsAreNoLists) {
+    const ConvertOptions options = convertOf(
+        {"convert", "--from", "gpx", "--to", "gpx", "[a,b]", "[]", "{}", "[c.gpx,d.gpx]"});
+    ASSERT_EQ(options.sources.size(), 3U);
+    EXPECT_EQ(options.sources[0].path, "[a,b]");
+    EXPECT_EQ(options.sources[1].path, "[]");
+    EXPECT_EQ(options.sources[2].path, "{}");
+    EXPECT_EQ(options.target, "[c.gpx,d.gpx]");
+
+    const Command info = parsed({"info", "[a,b]", "[c]"});
+    ASSERT_TRUE(std::holds_alternative<InfoOptions>(info));
+    EXPECT_THAT(std::get<InfoOptions>(info).files, ::testing::ElementsAre("[a,b]", "[c]"));
+
+    const Command authorize = parsed({"authorize", "[a,b]"});
+    ASSERT_TRUE(std::holds_alternative<StorageOptions>(authorize));
+    EXPECT_EQ(std::get<StorageOptions>(authorize).folder, "[a,b]");
 }
 
 TEST(CommandLine, AuthorizeAndAuthorizedTakeAFolderAsItIs) {
@@ -235,6 +266,14 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"info", "-5", "a.gpx"}, "no option \"-5\"", infoUsage},
         Wrong{{"info", "--json=0", "a.gpx"}, "--json: no value", infoUsage},
         Wrong{{"info", "--xml", "a.gpx"}, "--xml", infoUsage}));
+
+TEST(CommandLine, AComplaintQuotesArgumentsOnOneLineAndHarmless) {
+    EXPECT_THAT(answerTo({"convert", "a.gpx", "b\n\x1B[2Jpelluvia: done"}).complaint,
+                StartsWith("pelluvia: b??[2Jpelluvia: done: the ending is none of"));
+    EXPECT_THAT(answerTo({"trans\nmute"}).complaint,
+                StartsWith("pelluvia: there is no command or option \"trans?mute\"\nUsage: "));
+    EXPECT_THAT(answerTo({"convert", "--a\nb", "a.gpx", "b.gpx"}).complaint, HasSubstr("--a?b\n"));
+}
 
 TEST(CommandLine, HelpIsAnsweredForTheProgramAndForEachCommand) {
     for (const auto &[arguments, text] :

@@ -1,14 +1,30 @@
 #include "CallLogs.h"
 #include "Pelluvia.h"
 
+#include <Pelluvia/platform/XMLParser.h>
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 
 namespace pelluvia {
 namespace {
 
+std::string page(const std::string &name) {
+    return testing::readFile(std::string(PELLUVIA_DOCS) + "/" + name);
+}
+
 std::string documentation() {
-    return testing::readFile(std::string(PELLUVIA_DOCS) + "/call-log.md");
+    return page("call-log.md");
+}
+
+/// A number as prose has it: 10,000,000.
+std::string grouped(std::size_t number) {
+    std::string text = std::to_string(number);
+    for (std::size_t digits = 3; digits < text.size(); digits += 4) {
+        text.insert(text.size() - digits, ",");
+    }
+    return text;
 }
 
 TEST(Documentation, TheExampleOfTheCallLogIsARealRun) {
@@ -33,6 +49,20 @@ TEST(Documentation, TheErrorLineIsARealOne) {
     ASSERT_NE(start, std::string::npos);
     const std::string line = page.substr(start, page.find('\n', start) - start + 1);
     EXPECT_EQ(testing::rewrittenLog(line), line);
+}
+
+TEST(Documentation, TheLimitsOfTheParserAreTheRealOnes) {
+    const std::string security = page("security.md");
+    for (const std::string &limit :
+         {"`depth` | " + grouped(xmlLimits::depth),
+          "`textSize` | " + grouped(xmlLimits::textSize) + " bytes",
+          "`amplificationFactor` | " + grouped(xmlLimits::amplificationAllowance) + " bytes",
+          "`declarationsSize` | " + grouped(xmlLimits::declarationsSize) + " bytes",
+          "`attributes` | " + grouped(xmlLimits::attributes),
+          "`externalEntitySize`, " + grouped(xmlLimits::externalEntitySize) + " bytes"}) {
+        EXPECT_THAT(security, ::testing::HasSubstr(limit));
+    }
+    static_assert(xmlLimits::amplificationFactor == 5, "security.md says five times");
 }
 
 } // namespace

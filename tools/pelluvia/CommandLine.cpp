@@ -3,6 +3,7 @@
 #include <tools/pelluvia/CommandTexts.h>
 #include <tools/pelluvia/CreatorText.h>
 #include <tools/pelluvia/ExitStatus.h>
+#include <tools/pelluvia/Messages.h>
 #include <tools/pelluvia/OptionValues.h>
 #include <tools/pelluvia/SourceFile.h>
 #include <tools/pelluvia/TargetFile.h>
@@ -251,6 +252,16 @@ void addRecording(CLI::App &command, Arguments &arguments) {
         ->option_text("FILE");
 }
 
+/// At least one path, and as many as there are. CLI11 must not be told that there may be more than
+/// are needed: it would take a path [a,b] for a list of two, and none behind "--".
+void takePathsAsTheyAre(CLI::Option &paths) {
+    constexpr int many = CLI::detail::expected_max_vector_size;
+    paths.required()
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->expected(many, many)
+        ->allow_extra_args(false);
+}
+
 CLI::App *addConvert(CLI::App &app, Arguments &arguments) {
     CLI::App *command = app.add_subcommand("convert", "Convert GPX files, NMEA logs and call logs");
     command->footer(std::string(convertFooter));
@@ -277,10 +288,11 @@ CLI::App *addConvert(CLI::App &app, Arguments &arguments) {
     addFlag(*command, "-q,--quiet", arguments.quiet, "No progress bar");
     addFlag(*command, "-v,--verbose", arguments.verbose,
             "Log lines on standard error, not in the system log");
-    command->add_option("SOURCE... TARGET", arguments.files, "Files; - is standard input or output")
-        ->option_text(" ")
-        ->required()
-        ->expected(1, CLI::detail::expected_max_vector_size);
+    CLI::Option *files = command
+                             ->add_option("SOURCE... TARGET", arguments.files,
+                                          "Files; - is standard input or output")
+                             ->option_text(" ");
+    takePathsAsTheyAre(*files);
     return command;
 }
 
@@ -290,9 +302,10 @@ CLI::App *addInfo(CLI::App &app, Arguments &arguments) {
     addFlag(*command, "--json", arguments.json, "One JSON object a file, each on a line");
     addFlag(*command, "-v,--verbose", arguments.verbose,
             "Log lines on standard error, not in the system log");
-    command->add_option("FILE", arguments.files, "GPX files; - is standard input")
-        ->option_text("...")
-        ->required();
+    CLI::Option *files =
+        command->add_option("FILE", arguments.files, "GPX files; - is standard input")
+            ->option_text("...");
+    takePathsAsTheyAre(*files);
     return command;
 }
 
@@ -308,7 +321,8 @@ CLI::App *addStorage(CLI::App &app, Arguments &arguments, const char *name,
                      "The folder's path, as it was and will be asked for")
         ->option_text(" ")
         ->required()
-        ->expected(1);
+        ->expected(1)
+        ->allow_extra_args(false); // or [a,b] would be two
     return command;
 }
 
@@ -317,14 +331,15 @@ StorageOptions storageOptions(const Arguments &arguments, bool isQuestion) {
         .folder = arguments.files.front(), .isQuestion = isQuestion, .verbose = arguments.verbose};
 }
 
-/// A complaint about the usage of the command that was named, or of the program.
+/// A complaint about the usage of the command that was named, or of the program. The message may
+/// quote arguments, whose line ends are not ours.
 Answer complaintOf(const CLI::App &app, const std::string &message) {
     const auto named = app.get_subcommands();
     const std::string command = named.empty() ? std::string() : named.back()->get_name();
     const std::string program = command.empty() ? "pelluvia" : "pelluvia " + command;
     return {.status = exitStatus::wrongUsage,
             .output = {},
-            .complaint = "pelluvia: " + message + "\nUsage: " +
+            .complaint = "pelluvia: " + harmless(message) + "\nUsage: " +
                          std::string(usageOf(command.empty() ? "pelluvia" : command)) +
                          "\nTry: " + program + " --help\n"};
 }

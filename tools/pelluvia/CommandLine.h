@@ -4,8 +4,9 @@
 
 namespace pelluvia::host {
 
-/// Reads the arguments of the program (`argv[0]` is its name) and does nothing else: no file is
-/// looked at. What is wrong with them is an `Answer`.
+/// Reads the arguments of the program (`argv[0]` is its name) and does nothing else. No file is
+/// opened; of some it is asked whether they are there, and whether two paths lead to the same one.
+/// What is wrong with the arguments is an `Answer`.
 [[nodiscard]] Command parseCommandLine(int argc, const char *const *argv);
 
 } // namespace pelluvia::host

@@ -19,7 +19,9 @@
 
 #include <algorithm>
 #include <optional>
+#include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace pelluvia::host {
 
@@ -219,15 +221,24 @@ class Conversion {
                    : keep(*options_.recording.telemetry, *telemetry_, status);
     }
 
-    static int keep(const std::string &path, TargetFile &file, int status) {
+    [[nodiscard]] int keep(const std::string &path, TargetFile &file, int status) const {
         const bool isComplete = status == exitStatus::done;
-        if (const std::error_code error = isComplete ? file.keep() : file.keepPartial()) {
+        if (const std::error_code error =
+                isComplete ? file.keep() : file.keepPartial(sourcePaths())) {
             return cannotWrite(path, error);
         }
         if (!isComplete) {
             sayWhatIsPartial(path, file);
         }
         return status;
+    }
+
+    [[nodiscard]] std::vector<std::string> sourcePaths() const {
+        std::vector<std::string> paths;
+        for (const Source &source : options_.sources) {
+            paths.push_back(source.path);
+        }
+        return paths;
     }
 
     static void sayWhatIsPartial(const std::string &path, const TargetFile &file) {

@@ -2,6 +2,7 @@
 
 #include <Pelluvia/platform/OutputFile.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
@@ -111,10 +112,16 @@ std::error_code TargetFile::keep() {
     return keepAs(path_);
 }
 
-std::error_code TargetFile::keepPartial() {
+std::error_code TargetFile::keepPartial(std::span<const std::string> mustStay) {
     struct stat status = {};
-    const bool isFree = ::lstat(path_.c_str(), &status) != 0;
-    return keepAs(isFree ? path_ : path_ + ".partial");
+    std::string name = path_;
+    if (::lstat(path_.c_str(), &status) == 0) {
+        const auto isThere = [&name](const std::string &path) { return isSamePlace(path, name); };
+        do {
+            name += ".partial";
+        } while (std::any_of(mustStay.begin(), mustStay.end(), isThere));
+    }
+    return keepAs(name);
 }
 
 std::error_code TargetFile::keepAs(const std::string &name) {

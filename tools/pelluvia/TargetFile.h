@@ -3,6 +3,7 @@
 #include <tools/pelluvia/TemporaryFile.h>
 
 #include <memory>
+#include <span>
 #include <string>
 #include <system_error>
 
@@ -35,8 +36,9 @@ class TargetFile {
     [[nodiscard]] std::error_code keep();
 
     /// The result is partial: it gets the target's name if that is free, and otherwise that name
-    /// with ".partial" behind it, in place of an older file of that name.
-    [[nodiscard]] std::error_code keepPartial();
+    /// with ".partial" behind it, in place of an older file of that name; but for the paths that
+    /// must stay, which it evades with one more ".partial".
+    [[nodiscard]] std::error_code keepPartial(std::span<const std::string> mustStay = {});
 
     /// The name that the result was given; empty when it was written directly.
     [[nodiscard]] const std::string &keptName() const noexcept { return keptName_; }
