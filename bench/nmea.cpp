@@ -3,7 +3,7 @@
 //
 //     nmea_bench LOG [ROUNDS]
 
-#include <tests/support/NullReceiver.h>
+#include <Pelluvia/model/NullReceiver.h>
 #include <tools/pelluvia/nmea/Driver.h>
 
 #include <algorithm>
@@ -29,7 +29,7 @@ int measure(const char *path, int rounds) {
     std::vector<double> rates;
     pelluvia::nmea::Outcome outcome;
     for (int round = 0; round < rounds; ++round) {
-        pelluvia::testing::NullReceiver receiver;
+        pelluvia::NullReceiver receiver;
         const double start = seconds();
         outcome = pelluvia::nmea::readNMEA(path, {}, receiver);
         const double taken = seconds() - start;

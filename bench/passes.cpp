@@ -8,8 +8,8 @@
 
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 #include <Pelluvia/gpximport/GPXImportCounter.h>
+#include <Pelluvia/model/NullReceiver.h>
 #include <Pelluvia/platform/XMLParser.h>
-#include <tests/support/NullReceiver.h>
 
 #include <algorithm>
 #include <array>
@@ -52,7 +52,7 @@ bool parseBare(const char *path) {
 }
 
 bool import(const char *path) {
-    const auto receiver = std::make_shared<pelluvia::testing::NullReceiver>();
+    const auto receiver = std::make_shared<pelluvia::NullReceiver>();
     return pelluvia::GPXFileImporter::initWithReceiver(receiver)->processFile(path) == nullptr;
 }
 

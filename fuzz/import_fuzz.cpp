@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,14 +30,16 @@ void require(bool holds, const char *what) {
     }
 }
 
-/// Follows the calls of one import by a new importer.
+/// Follows the calls of an importer.
 class RuleChecker : public GPSOutputReceiver {
   public:
-    /// After the import.
-    void finish(const ErrorPtr &result) const {
+    /// After each import.
+    void finish(const ErrorPtr &result) {
         require(openKind_ == 0, "every transfer ends");
         require((result != nullptr) == hasFailed_, "a failed import told the receiver so");
         require(hasFailed_ || transfers_ == 3, "a good import makes three transfers");
+        transfers_ = 0;
+        hasTrack_ = hasFailed_ = false;
     }
     /// A number that differs when the calls differ.
     [[nodiscard]] std::uint64_t digest() const noexcept { return digest_; }
@@ -165,11 +168,12 @@ class RuleChecker : public GPSOutputReceiver {
 /// A file in a folder of its own, so that no external entity finds anything else.
 class InputFile {
   public:
-    InputFile() {
+    explicit InputFile(std::string_view text = {}) {
         std::string pattern =
             (std::filesystem::temp_directory_path() / "fuzz-import-XXXXXX").string();
         require(::mkdtemp(pattern.data()) != nullptr, "a temporary folder");
         folder_ = pattern;
+        write(text);
     }
     InputFile(const InputFile &) = delete;
     InputFile &operator=(const InputFile &) = delete;
@@ -180,51 +184,61 @@ class InputFile {
 
     [[nodiscard]] std::string path() const { return (folder_ / "input.gpx").string(); }
 
-    void write(const std::uint8_t *data, std::size_t size) const {
+    void write(std::string_view text) const {
         std::FILE *file = std::fopen(path().c_str(), "wb");
         require(file != nullptr, "the input can be written");
-        const std::size_t written = std::fwrite(data, 1, size, file);
-        require(std::fclose(file) == 0 && written == size, "the input can be written");
+        const std::size_t written = std::fwrite(text.data(), 1, text.size(), file);
+        require(std::fclose(file) == 0 && written == text.size(), "the input can be written");
     }
 
   private:
     std::filesystem::path folder_;
 };
 
-/// An import and how it ended, as numbers and texts that can be compared.
-struct Import {
+/// Imports and how the first of them ended, as numbers and texts that can be compared.
+struct Imports {
     std::uint64_t digest = 0;
     std::int64_t code = 0;
     std::string description;
     std::int64_t line = 0;
     std::int64_t column = 0;
-    bool operator==(const Import &) const = default;
+    bool operator==(const Imports &) const = default;
 };
 
-Import importBy(const char *engine, const std::string &path) {
+/// By one importer, one after the other: what is left over of a file may show in later calls.
+Imports importBy(const char *engine, std::initializer_list<const InputFile *> files) {
     require(::setenv("PELLUVIA_XML_ENGINE", engine, 1) == 0, "the environment can be set");
     const auto checker = std::make_shared<RuleChecker>();
-    const ErrorPtr error = GPXFileImporter::initWithReceiver(checker)->processFile(path);
-    checker->finish(error);
-    Import import;
-    import.digest = checker->digest();
-    if (error != nullptr) {
-        import.code = error->code();
-        import.description = error->localizedDescription();
-        import.line = error->integer(NSXMLParserErrorLineNumber);
-        import.column = error->integer(NSXMLParserErrorColumn);
+    const auto importer = GPXFileImporter::initWithReceiver(checker);
+    ErrorPtr first;
+    for (const InputFile *file : files) {
+        const ErrorPtr error = importer->processFile(file->path());
+        checker->finish(error);
+        first = file == *files.begin() ? error : first;
     }
-    return import;
+    Imports imports;
+    imports.digest = checker->digest();
+    if (first != nullptr) {
+        imports.code = first->code();
+        imports.description = first->localizedDescription();
+        imports.line = first->integer(NSXMLParserErrorLineNumber);
+        imports.column = first->integer(NSXMLParserErrorColumn);
+    }
+    return imports;
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     static const InputFile file;
+    // Points that begin nowhere, and are made of what is left over.
+    static const InputFile trackPoint("<x:trkpt xmlns:x='x'/>");
+    static const InputFile waypoint("<x:wpt xmlns:x='x'/>");
     static const bool isQuiet = (setLogSink([](std::string_view) {}), true);
     static_cast<void>(isQuiet);
-    file.write(data, size);
-    require(importBy("automatic", file.path()) == importBy("libxml2", file.path()),
+    file.write({reinterpret_cast<const char *>(data), size});
+    const std::initializer_list<const InputFile *> files = {&file, &trackPoint, &waypoint, &file};
+    require(importBy("automatic", files) == importBy("libxml2", files),
             "both engines lead to the same calls and the same error");
     return 0;
 }

@@ -1,5 +1,6 @@
 // Reads any bytes with both XML engines, the scanner and the library, and compares what they
-// report. The last byte chooses how much the scanner has in memory at a time. See fuzz/README.md.
+// report; and short ones again as the content of an element that repeats them. The last byte
+// chooses how much the scanner has in memory at a time. See fuzz/README.md.
 
 #include <Pelluvia/platform/Log.h>
 #include <tests/support/XMLEngineComparison.h>
@@ -8,13 +9,26 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 namespace {
+
+using pelluvia::testing::XMLEngineComparison;
 
 /// Documents mostly end with `>` or a line end; these get the usual size.
 std::size_t windowSize(std::uint8_t choice) {
     return choice % 4 == 2 ? pelluvia::xml::scan::ScanEngine::usualWindowSize
                            : 17 + 5 * static_cast<std::size_t>(choice);
+}
+
+constexpr std::size_t longestRepeated = 500; ///< bytes; more would only be slow
+
+void compare(const std::string &document, std::size_t window) {
+    const XMLEngineComparison comparison(document, window);
+    if (!comparison.difference().empty()) {
+        std::fprintf(stderr, "%s\n", comparison.difference().c_str());
+        std::abort();
+    }
 }
 
 } // namespace
@@ -25,11 +39,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (size == 0) {
         return 0;
     }
-    const pelluvia::testing::XMLEngineComparison comparison(
-        {reinterpret_cast<const char *>(data), size}, windowSize(data[size - 1]));
-    if (!comparison.difference().empty()) {
-        std::fprintf(stderr, "%s\n", comparison.difference().c_str());
-        std::abort();
+    const std::string document(reinterpret_cast<const char *>(data), size);
+    const std::size_t window = windowSize(data[size - 1]);
+    compare(document, window);
+    if (size <= longestRepeated) {
+        compare(XMLEngineComparison::repeated(document), window);
     }
     return 0;
 }

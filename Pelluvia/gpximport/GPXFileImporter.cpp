@@ -1,9 +1,10 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
-#include <Pelluvia/gpximport/internal/TextElements.h>
+#include <Pelluvia/gpximport/internal/Interest.h>
 #include <Pelluvia/model/ErrorDomains.h>
 #include <Pelluvia/model/ExtrasKeys.h>
+#include <Pelluvia/model/NullReceiver.h>
 #include <Pelluvia/model/TransferKind.h>
 #include <Pelluvia/platform/Localization.h>
 #include <Pelluvia/platform/Log.h>
@@ -120,6 +121,7 @@ ErrorPtr GPXFileImporter::processFile(std::string_view filePath) {
 ErrorPtr GPXFileImporter::processURL(const std::optional<URL> & /*url*/) {
     countElements();
     ErrorPtr error = runParsers();
+    leavesOut = false;
     countedFile = {};
     return error;
 }
@@ -129,16 +131,52 @@ ErrorPtr GPXFileImporter::runParsers() {
         return Error::make(gpsPluginErrorDomain, gpsPluginFailure);
     }
     if (doRoutes) {
-        if (ErrorPtr error = runParser(transferKind::routes)) {
+        if (ErrorPtr error = runPass(transferKind::routes)) {
             return error;
         }
     }
     if (doWaypoints) {
-        if (ErrorPtr error = runParser(transferKind::waypoints)) {
+        if (ErrorPtr error = runPass(transferKind::waypoints)) {
             return error;
         }
     }
-    return doTracks ? runParser(transferKind::tracks) : nullptr;
+    return doTracks ? runPass(transferKind::tracks) : nullptr;
+}
+
+bool GPXFileImporter::isLastPass(std::int32_t kind) const noexcept {
+    const bool waypointsFollow = kind == transferKind::routes && doWaypoints;
+    return kind == transferKind::tracks || (!waypointsFollow && !doTracks);
+}
+
+ErrorPtr GPXFileImporter::runPass(std::int32_t kind) {
+    const Nesting before = nesting();
+    leavesOut = !isLastPass(kind);
+    ErrorPtr error = runParser(kind);
+    const bool wasAborted = lastError != nullptr;
+    const bool isWholeAndLast = error == nullptr && isLastPass(kind); // by now
+    if (leavesOut && (wasAborted || isWholeAndLast)) {
+        collectLeftOut(before);
+    }
+    return error;
+}
+
+/// What the last pass leaves over, a later import may see: reads the file once more as that pass
+/// did, but completely, and for nobody.
+void GPXFileImporter::collectLeftOut(const Nesting &before) {
+    nesting() = before;
+    leavesOut = false;
+    const auto receiver = std::exchange(output, std::make_shared<NullReceiver>());
+    const ErrorPtr error = lastError;
+    const auto parser = parserOfFile();
+    [[maybe_unused]] const bool isWhole = parser != nullptr && parser->parse();
+    lastError = error;
+    output = receiver;
+}
+
+std::tuple<bool &, bool &, bool &, bool &, bool &, bool &, bool &, bool &>
+GPXFileImporter::nesting() noexcept {
+    return {inRoute, inRoutePoint, inWaypoint,     inTrkSeg,
+            inTrkPt, inLink,       inGeocacheLogs, inGeocacheTravelbugs};
 }
 
 void GPXFileImporter::countElements() {
@@ -153,15 +191,22 @@ void GPXFileImporter::countElements() {
     countedFile = parser != nullptr ? parser->knownFile() : XMLKnownFile();
 }
 
+std::unique_ptr<XMLParser> GPXFileImporter::parserOfFile() {
+    const auto readURL = fileURL();
+    auto parser = parserOf(readURL, *this);
+    const bool isCounted = parser != nullptr && readURL == countedURL;
+    if (isCounted) {
+        parser->setKnownFile(countedFile);
+    }
+    leavesOut = leavesOut && isCounted && countedFile.isUsual() && !counters->hasForeignPoints();
+    return parser;
+}
+
 ErrorPtr GPXFileImporter::runParser(std::int32_t kind) {
     recno = 0;
     mode = kind;
     lastError = nullptr;
-    const auto readURL = fileURL();
-    const auto parser = parserOf(readURL, *this);
-    if (parser != nullptr && readURL == countedURL) {
-        parser->setKnownFile(countedFile);
-    }
+    const auto parser = parserOfFile();
 
     if (output != nullptr) {
         Dictionary extra;
@@ -219,8 +264,11 @@ XMLVocabulary GPXFileImporter::vocabulary() const {
     return gpxVocabulary::vocabulary;
 }
 
-bool GPXFileImporter::wantsTextIn(const XMLElement &element) const {
-    return usesText(element);
+XMLInterest GPXFileImporter::interestIn(const XMLElement &element) const {
+    const gpxVocabulary::Namespace space = gpxVocabulary::namespaceOf(element);
+    const gpxVocabulary::Name local = gpxVocabulary::nameOf(element);
+    return leavesOut && isForOtherPoints(space, local, mode) ? XMLInterest::nothing
+                                                             : pelluvia::interestIn(space, local);
 }
 
 bool GPXFileImporter::sends(std::int32_t kind) const noexcept {

@@ -18,6 +18,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 namespace pelluvia {
 
@@ -106,7 +107,7 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
 
     // The parser's side.
     [[nodiscard]] XMLVocabulary vocabulary() const override;
-    [[nodiscard]] bool wantsTextIn(const XMLElement &element) const override;
+    [[nodiscard]] XMLInterest interestIn(const XMLElement &element) const override;
     void didStartElement(XMLParser &parser, const XMLElement &element,
                          const XMLAttributes &attributes) override;
     void didEndElement(XMLParser &parser, const XMLElement &element) override;
@@ -122,6 +123,16 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     void countElements();
     /// The passes.
     [[nodiscard]] ErrorPtr runParsers();
+    [[nodiscard]] ErrorPtr runPass(std::int32_t kind);
+    [[nodiscard]] bool isLastPass(std::int32_t kind) const noexcept;
+
+    /// The flags that the handlers look at.
+    using Nesting = std::tuple<bool, bool, bool, bool, bool, bool, bool, bool>;
+    [[nodiscard]] std::tuple<bool &, bool &, bool &, bool &, bool &, bool &, bool &, bool &>
+    nesting() noexcept;
+    void collectLeftOut(const Nesting &before);
+
+    [[nodiscard]] std::unique_ptr<XMLParser> parserOfFile();
     /// Whether the points and headings of this kind are to be sent in this pass.
     [[nodiscard]] bool sends(std::int32_t kind) const noexcept;
 
@@ -248,6 +259,10 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     /// What the counting parse has found out about the file, for the passes; and which file.
     XMLKnownFile countedFile;
     std::optional<URL> countedURL;
+    /// Whether the pass need not collect what goes only into points of other kinds: in a file where
+    /// each point is cleared at its start (of one in a foreign namespace, only the end is seen),
+    /// and when a pass follows that collects it.
+    bool leavesOut = false;
     CollectedPoint currentPoint;
     std::int32_t recno = 0;
     float gpxVersion = 0; // 1.0 or 1.1 by the namespace; read by nothing

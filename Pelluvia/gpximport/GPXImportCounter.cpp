@@ -23,7 +23,8 @@ std::shared_ptr<GPXImportCounter> GPXImportCounter::init() {
 }
 
 void GPXImportCounter::reset() noexcept {
-    _hasName = _hasComment = _hasDescription = _hasType = _hasSrc = _hasLink = false;
+    _hasName = _hasComment = _hasDescription = _hasType = _hasSrc = _hasLink = _hasForeignPoints =
+        false;
     _waypoints = _tracks = _tracksegments = _routes = _routepoints = 0;
 }
 
@@ -31,11 +32,40 @@ XMLVocabulary GPXImportCounter::vocabulary() const {
     return gpxVocabulary::vocabulary;
 }
 
+XMLInterest GPXImportCounter::interestIn(const XMLElement &element) const {
+    using gpxVocabulary::Name;
+    switch (gpxVocabulary::nameOf(element)) {
+    case Name::Wpt:
+    case Name::Rte:
+    case Name::Trk:
+    case Name::Trkseg:
+    case Name::Rtept:
+    case Name::Trkpt:
+    case Name::Name:
+    case Name::Cmt:
+    case Name::Desc:
+    case Name::Type:
+    case Name::Src:
+    case Name::Link:
+        return XMLInterest::tags;
+    default:
+        return XMLInterest::nothing;
+    }
+}
+
+void GPXImportCounter::noteNamespace(const XMLElement &point) noexcept {
+    using gpxVocabulary::Namespace;
+    const Namespace space = gpxVocabulary::namespaceOf(point);
+    _hasForeignPoints =
+        _hasForeignPoints || (space != Namespace::GPX10 && space != Namespace::GPX11);
+}
+
 void GPXImportCounter::didStartElement(XMLParser & /*parser*/, const XMLElement &element,
                                        const XMLAttributes & /*attributes*/) {
     using gpxVocabulary::Name;
     switch (gpxVocabulary::nameOf(element)) {
     case Name::Wpt:
+        noteNamespace(element);
         return addOne(_waypoints);
     case Name::Rte:
         return addOne(_routes);
@@ -44,7 +74,10 @@ void GPXImportCounter::didStartElement(XMLParser & /*parser*/, const XMLElement 
     case Name::Trkseg:
         return addOne(_tracksegments);
     case Name::Rtept:
+        noteNamespace(element);
         return addOne(_routepoints);
+    case Name::Trkpt:
+        return noteNamespace(element);
     case Name::Name:
         _hasName = true;
         return;

@@ -44,6 +44,10 @@ class PELLUVIA_EXPORT GPXImportCounter : public XMLParserDelegate {
     [[nodiscard]] bool hasLink() const noexcept { return _hasLink; }
     void setHasLink(bool hasLink) noexcept { _hasLink = hasLink; }
 
+    /// Whether some element `wpt`, `rtept` or `trkpt` was in another namespace than those of GPX,
+    /// or in none.
+    [[nodiscard]] bool hasForeignPoints() const noexcept { return _hasForeignPoints; }
+
     /// The number of `wpt` elements.
     [[nodiscard]] std::int32_t waypoints() const noexcept { return _waypoints; }
     void setWaypoints(std::int32_t waypoints) noexcept { _waypoints = waypoints; }
@@ -60,19 +64,23 @@ class PELLUVIA_EXPORT GPXImportCounter : public XMLParserDelegate {
     [[nodiscard]] std::int32_t routepoints() const noexcept { return _routepoints; }
     void setRoutepoints(std::int32_t routepoints) noexcept { _routepoints = routepoints; }
 
-    // The parser's side: nothing but names is asked for.
+    // The parser's side: nothing but the names that count is asked for.
     [[nodiscard]] XMLVocabulary vocabulary() const override;
+    [[nodiscard]] XMLInterest interestIn(const XMLElement &element) const override;
     [[nodiscard]] bool wantsElementNamesOnly() const override { return true; }
     void didStartElement(XMLParser &parser, const XMLElement &element,
                          const XMLAttributes &attributes) override;
 
   private:
+    void noteNamespace(const XMLElement &point) noexcept;
+
     bool _hasName = false;
     bool _hasComment = false;
     bool _hasDescription = false;
     bool _hasType = false;
     bool _hasSrc = false;
     bool _hasLink = false;
+    bool _hasForeignPoints = false;
     std::int32_t _waypoints = 0;
     std::int32_t _tracks = 0;
     std::int32_t _tracksegments = 0;

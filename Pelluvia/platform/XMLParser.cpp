@@ -110,7 +110,8 @@ ErrorPtr XMLParser::readKnown() {
 
 /// Reads what the scanner was able to read before.
 ErrorPtr XMLParser::readWithScanner() {
-    auto scan = std::make_unique<ScanEngine>(*this, *source_, delegate_);
+    auto scan =
+        std::make_unique<ScanEngine>(*this, *source_, delegate_, ScanEngine::Document::wellFormed);
     ScanEngine &engine = *scan;
     engine_ = std::move(scan);
     switch (engine.run()) {

@@ -77,6 +77,9 @@ class XMLKnownFile {
   public:
     enum class Reader { unknown, scanner, library };
 
+    /// Whether a parse has read the file to its end, and it is well-formed and in no way unusual.
+    [[nodiscard]] bool isUsual() const noexcept { return reader_ == Reader::scanner; }
+
   private:
     friend class XMLParser;
 

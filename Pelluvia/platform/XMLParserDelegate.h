@@ -92,6 +92,13 @@ class PELLUVIA_EXPORT XMLAttributes {
     std::span<const XMLAttribute> attributes_;
 };
 
+/// How much a delegate wants to be told of an element.
+enum class XMLInterest : std::uint8_t {
+    nothing, ///< neither its tags nor the text in it; for the elements inside, it is asked again
+    tags,    ///< its start, its end, and the declarations it makes; then the same as for `nothing`
+    all      ///< it and everything inside: tags and text
+};
+
 /// What an `XMLParser` reports. Every event is optional: the ones that are not overridden do
 /// nothing.
 ///
@@ -108,10 +115,11 @@ class PELLUVIA_EXPORT XMLParserDelegate {
     /// always the same.
     [[nodiscard]] virtual bool wantsElementNamesOnly() const { return false; }
 
-    /// Whether the text within the element, and within all elements inside it, is wanted; other
-    /// text is not reported. The answer may depend on nothing but the names: it is asked now and
-    /// then, not for every element.
-    [[nodiscard]] virtual bool wantsTextIn(const XMLElement & /*element*/) const { return true; }
+    /// How much of the element is wanted; what is not is not reported. The answer may depend on
+    /// nothing but the names: it is asked now and then, not for every element.
+    [[nodiscard]] virtual XMLInterest interestIn(const XMLElement & /*element*/) const {
+        return XMLInterest::all;
+    }
 
     /// An element starts.
     virtual void didStartElement(XMLParser & /*parser*/, const XMLElement & /*element*/,

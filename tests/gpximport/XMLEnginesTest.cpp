@@ -69,6 +69,101 @@ TEST_F(XMLEngines, ImportDamagedFilesAlike) {
     }
 }
 
+/// Points in a foreign namespace begin nowhere, so they are made of what is left over: of the pass
+/// before, or of an import before.
+TEST_F(XMLEngines, LeaveTheSameOver) {
+    const std::string track = "<tpx:hr>101</tpx:hr><tpx:cad>81</tpx:cad><tpx:atemp>21.5</tpx:atemp>"
+                              "<gpxdata:distance sensor='wheel'>7.5</gpxdata:distance>";
+    const std::string cache =
+        "<gs:cache><gs:name>Bridge</gs:name><gs:owner>Ann</gs:owner><gs:type>Micro</gs:type>"
+        "<gs:difficulty>2</gs:difficulty><gs:terrain>3</gs:terrain>"
+        "<gs:encoded_hints>under</gs:encoded_hints></gs:cache><gpxx:Proximity>9</gpxx:Proximity>";
+    const std::string texts = "<name>n</name><number>5</number><cmt>c</cmt><desc>d</desc>"
+                              "<sym>s</sym><url>u</url><urlname>v</urlname>";
+    const std::string point =
+        " lat='1' lon='2'><ele>3</ele><time>2020-06-01T08:26:40Z</time>" + texts + track + cache;
+    const std::string foreign = "<x:rtept xmlns:x='x'/><x:wpt xmlns:x='x'/><x:trkpt xmlns:x='x'/>";
+    const std::string content[] = {
+        "<trk><trkseg><trkpt" + point + "</trkpt></trkseg></trk>",
+        "<wpt" + point + "</wpt>",
+        "<rte><rtept" + point + "</rtept></rte>",
+        "<wpt" + point + "</wpt><wpt lat='3' lon='4'/>",
+        "<trk><trkseg><trkpt lat='1' lon='2'/></trkseg></trk><metadata>" + texts + track + cache +
+            "</metadata>",
+        track + cache,
+        // Aborts, each in the middle of something.
+        "<trk><trkseg><trkpt" + point + "<trkpt/></trkpt></trkseg></trk>",
+        "<trk><trkseg><trkpt" + point + "</trkpt><trkseg/></trkseg></trk>",
+        "<wpt" + point + "<rtept/></wpt>",
+        "<wpt" + point + "<link><trkpt/></link></wpt>",
+        "<wpt" + point + "<gs:logs><gs:type>Log</gs:type><trkpt/></gs:logs></wpt>",
+        // Foreign points of their own.
+        "<x:trkpt xmlns:x='x'/><trk><trkseg><trkpt" + point + "</trkpt></trkseg></trk>",
+        "<x:wpt xmlns:x='x'/><trk><trkseg><trkpt" + point + "</trkpt></trkseg></trk>",
+        foreign + "<wpt" + point + foreign + "</wpt>" + foreign,
+        "<trk><trkseg><x:trkpt xmlns:x='x'>" + track + "</x:trkpt></trkseg></trk>",
+    };
+    const testing::TemporaryFolder folder;
+    const std::string revealing[] = {folder.write("t.gpx", "<x:trkpt xmlns:x='x'/>"),
+                                     folder.write("w.gpx", "<x:wpt xmlns:x='x'/>"),
+                                     folder.write("r.gpx", testing::gpx(foreign + foreign))};
+    const auto callsOf = [&](const char *engine, const std::string &path, testing::Passes passes) {
+        variable.set(engine);
+        Importing importing(passes);
+        std::string calls;
+        const auto add = [&](const std::string &file) {
+            for (const std::string &each : importing.file(file).calls) {
+                calls.append(each).append("\n");
+            }
+        };
+        for (const std::string &each : revealing) {
+            add(path);
+            add(each);
+        }
+        return calls;
+    };
+    for (const std::string &each : content) {
+        const std::string path = folder.write("a.gpx", testing::gpx(each));
+        for (const testing::Passes passes :
+             {testing::Passes{}, testing::onlyRoutes, testing::onlyWaypoints, testing::onlyTracks,
+              testing::Passes{true, true, false}, testing::Passes{true, false, true},
+              testing::Passes{false, true, true}}) {
+            const std::string calls = callsOf("automatic", path, passes);
+            EXPECT_EQ(calls, callsOf("libxml2", path, passes)) << each;
+            EXPECT_FALSE(calls.empty());
+        }
+    }
+}
+
+TEST_F(XMLEngines, LeaveTheSameOverWhenTheReceiverEndsTheImportEarly) {
+    const testing::TemporaryFolder folder;
+    const std::string path = folder.write(
+        "a.gpx", testing::gpx("<rte><rtept lat='1' lon='2'/></rte><wpt lat='1' lon='2'/>"
+                              "<trk><trkseg><trkpt lat='1' lon='2'><extensions>"
+                              "<tpx:hr>101</tpx:hr></extensions></trkpt></trkseg></trk>"));
+    const std::string revealing = folder.write("t.gpx", "<x:trkpt xmlns:x='x'/>");
+    for (const char *lastCall : {"routePoint", "wayPoint"}) {
+        const auto callsOf = [&](const char *engine) {
+            variable.set(engine);
+            Importing importing;
+            importing.spy->onCall = [&](const std::string &line) {
+                if (line.starts_with(lastCall)) {
+                    importing.importer->setDoTracks(false);
+                    importing.importer->setDoWaypoints(false);
+                }
+            };
+            EXPECT_EQ(importing.file(path).calls.back().find("endTransfer"), 0U);
+            importing.spy->onCall = nullptr;
+            importing.importer->setDoTracks(true);
+            return importing.file(revealing).data();
+        };
+        const std::vector<std::string> calls = callsOf("automatic");
+        ASSERT_EQ(calls.size(), 1U);
+        EXPECT_NE(calls[0].find("101"), std::string::npos) << calls[0];
+        EXPECT_EQ(calls, callsOf("libxml2"));
+    }
+}
+
 /// The receiver changes the file at a call; the import must end there, in order.
 void expectEndAt(const std::string &call, const std::string &document,
                  const std::function<void(const std::string &path)> &change) {

@@ -39,7 +39,8 @@ class ScanElementTree : public ::testing::Test {
     }
 
     Vocabulary vocabulary{{.names = names, .namespaces = namespaces}};
-    ElementTree tree{vocabulary, nullptr};
+    XMLParserDelegate nobody;
+    ElementTree tree{vocabulary, nobody};
 };
 
 TEST_F(ScanElementTree, ResolvesPrefixesWhereTheyAreDeclared) {
@@ -207,27 +208,36 @@ TEST(ScanVocabulary, NumbersNamesFromOne) {
     EXPECT_EQ(none.name("trk"), 0);
 }
 
-TEST_F(ScanElementTree, AsksInWhichElementsTheTextIsWanted) {
+TEST_F(ScanElementTree, AsksForTheInterestInEachElement) {
     class Delegate final : public XMLParserDelegate {
       public:
-        [[nodiscard]] bool wantsTextIn(const XMLElement &element) const override {
-            return element.localName == "desc";
+        bool namesOnly = false;
+        [[nodiscard]] bool wantsElementNamesOnly() const override { return namesOnly; }
+        [[nodiscard]] XMLInterest interestIn(const XMLElement &element) const override {
+            return element.localName == "desc"  ? XMLInterest::all
+                   : element.localName == "wpt" ? XMLInterest::tags
+                                                : XMLInterest::nothing;
         }
     };
-    const Delegate delegate;
-    ElementTree asking(vocabulary, &delegate);
-    StartTag tag;
-    const auto child = [&](Element *parent, std::string_view name) {
-        tag.name = {.whole = name, .prefix = {}, .local = name};
-        return asking.child(parent, tag);
-    };
-    Element *const root = child(nullptr, "wpt");
-    EXPECT_FALSE(root->wantsText);
-    Element *const wanted = child(root, "desc");
-    EXPECT_TRUE(wanted->wantsText);
-    EXPECT_TRUE(child(wanted, "b")->wantsText) << "and in all within";
-    EXPECT_FALSE(child(root, "b")->wantsText);
-    EXPECT_FALSE(tree.child(nullptr, tag)->wantsText) << "nobody wants it";
+    for (const bool namesOnly : {false, true}) {
+        Delegate delegate;
+        delegate.namesOnly = namesOnly;
+        ElementTree asking(vocabulary, delegate);
+        StartTag tag;
+        const auto child = [&](Element *parent, std::string_view name) {
+            tag.name = {.whole = name, .prefix = {}, .local = name};
+            return asking.child(parent, tag);
+        };
+        Element *const root = child(nullptr, "wpt");
+        EXPECT_EQ(root->interest, XMLInterest::tags);
+        EXPECT_FALSE(root->wantsText);
+        Element *const wanted = child(root, "desc");
+        EXPECT_EQ(wanted->interest, XMLInterest::all);
+        EXPECT_EQ(wanted->wantsText, !namesOnly);
+        EXPECT_EQ(child(wanted, "b")->interest, XMLInterest::all) << "as in all within";
+        EXPECT_EQ(child(root, "b")->interest, XMLInterest::nothing);
+        EXPECT_EQ(child(child(root, "b"), "desc")->interest, XMLInterest::all) << "asked again";
+    }
 }
 
 } // namespace

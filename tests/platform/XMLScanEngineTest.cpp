@@ -82,7 +82,7 @@ TEST(ScanEngine, ForgetsTagsAndElementsWithoutLosingItsPlace) {
 TEST(ScanEngine, LearnsAgainAfterAPause) {
     std::string document = "<r>";
     for (int round = 0; round < 3; ++round) {
-        for (std::size_t i = 0; i < 2 * TagMemory::mostTags; ++i) {
+        for (std::size_t i = 0; i < 2 * TagMemory::mostPhrases; ++i) {
             document.append("<n").append(std::to_string(i)).append("/>");
         }
         for (std::size_t i = 0; i < 6000; ++i) {

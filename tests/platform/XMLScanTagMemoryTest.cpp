@@ -32,26 +32,31 @@ class ScanTagMemory : public ::testing::Test {
         EXPECT_EQ(readStartTag(text.begin(), text.end(), tag), Look::complete);
         return tree.child(parent, tag);
     }
+    /// From now on white space is no text.
+    void wantNoText() {
+        delegate.interest = XMLInterest::tags;
+        root = element(nullptr, "<other>");
+    }
 
     /// Learns a start tag, with the white space in front of it.
-    KnownTag *learn(KnownTag *previous, std::string_view tagText, Element *parent) {
+    Phrase *learn(Phrase *previous, std::string_view tagText, Element *parent) {
         Text text(tagText);
         StartTag tag;
         const std::size_t blanks = tagText.find('<');
         EXPECT_EQ(readStartTag(text.begin() + blanks, text.end(), tag), Look::complete);
         return memory.learnStart(previous, text.begin(), tree.child(parent, tag), tag);
     }
-    KnownTag *learnEnd(KnownTag *previous, std::string_view tagText, Element *ended) {
+    Phrase *learnEnd(Phrase *previous, std::string_view tagText, Element *ended) {
         const Text text(tagText);
         return memory.learnEnd(previous, text.bytes.data(), text.end(), ended);
     }
 
     /// Follows a tag; the values of its attributes and what is behind it, or "none".
-    std::string follow(const KnownTag *previous, std::string_view input,
-                       const KnownTag *expected = nullptr) {
+    std::string follow(const Phrase *previous, std::string_view input,
+                       const Phrase *expected = nullptr) {
         Text text(input);
         const char *end = nullptr;
-        const KnownTag *const known = memory.follow(*previous, text.begin(), end);
+        const Phrase *const known = memory.follow(*previous, text.begin(), end);
         EXPECT_EQ(known, expected) << input;
         if (known == nullptr) {
             return "none";
@@ -65,22 +70,37 @@ class ScanTagMemory : public ::testing::Test {
         return result.append("|").append(end, text.end());
     }
 
+    /// What a phrase means, with the places: ^ is its begin, else counted from its end.
+    static std::string eventsOf(const Phrase *phrase) {
+        std::string result;
+        for (const Phrase::Event &event : phrase->events) {
+            result.append(result.empty() ? "" : ", ").append(event.isStart ? "start " : "end ");
+            result.append(event.element->name.localName).append(event.isFromBegin ? " ^" : " ");
+            result.append(std::to_string(event.offset)).append(event.hasAttributes ? " @" : "");
+        }
+        return result;
+    }
+
     static constexpr std::array<std::string_view, 2> names = {"lat", "lon"};
     Vocabulary vocabulary{{.names = names, .namespaces = {}}};
-    XMLParserDelegate delegate; // wants all text
-    ElementTree tree{vocabulary, &delegate};
+    struct Delegate final : XMLParserDelegate {
+        XMLInterest interest = XMLInterest::all;
+        [[nodiscard]] XMLInterest interestIn(const XMLElement & /*element*/) const override {
+            return interest;
+        }
+    } delegate;
+    ElementTree tree{vocabulary, delegate};
     TagMemory memory{vocabulary};
     Element *root = nullptr;
 };
 
 TEST_F(ScanTagMemory, FollowsATagWithOtherValues) {
-    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
-    KnownTag *const point = learn(first, "\n <pt lat=\"1\" p:lon='2' />", root);
+    Phrase *const first = learn(nullptr, "<gpx>", nullptr);
+    Phrase *const point = learn(first, "\n <pt lat=\"1\" p:lon='2' />", root);
     ASSERT_NE(point, nullptr);
-    EXPECT_EQ(point->kind, KnownTag::Kind::empty);
+    EXPECT_EQ(eventsOf(point), "start pt -2 @, end pt 0");
     EXPECT_EQ(point->blankSize, 2);
-    EXPECT_EQ(point->closeSize, 2);
-    EXPECT_EQ(point->inside(), root);
+    EXPECT_EQ(point->inside, root);
     EXPECT_EQ(follow(first, "\n <pt lat=\"47.5\" p:lon='' />rest", point),
               "lat#1=47.5 p:lon#2= |rest");
     EXPECT_EQ(follow(first,
@@ -90,7 +110,7 @@ TEST_F(ScanTagMemory, FollowsATagWithOtherValues) {
 }
 
 TEST_F(ScanTagMemory, FollowsNothingElse) {
-    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
+    Phrase *const first = learn(nullptr, "<gpx>", nullptr);
     ASSERT_NE(learn(first, "\n <pt lat=\"1\" lon='2' />", root), nullptr);
     for (const std::string_view text :
          {"", "\n", "\n  <pt lat=\"1\" lon='2' />", "<pt lat=\"1\" lon='2' />",
@@ -106,20 +126,21 @@ TEST_F(ScanTagMemory, FollowsNothingElse) {
 }
 
 TEST_F(ScanTagMemory, FollowsOnlyFromTheTagBefore) {
-    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
-    KnownTag *const other = learn(nullptr, "<trk>", root);
-    KnownTag *const end = learnEnd(first, "</gpx>", root);
-    EXPECT_EQ(end->kind, KnownTag::Kind::end);
-    EXPECT_EQ(end->inside(), nullptr);
-    EXPECT_EQ(first->inside(), root);
+    Phrase *const first = learn(nullptr, "<gpx>", nullptr);
+    Phrase *const other = learn(nullptr, "<trk>", root);
+    Phrase *const end = learnEnd(first, "</gpx>", root);
+    EXPECT_EQ(eventsOf(end), "end gpx 0");
+    EXPECT_EQ(end->inside, nullptr);
+    EXPECT_EQ(eventsOf(first), "start gpx -1");
+    EXPECT_EQ(first->inside, root);
     EXPECT_EQ(follow(first, "</gpx>\n", end), "|\n");
     EXPECT_EQ(follow(other, "</gpx>\n"), "none");
 }
 
 TEST_F(ScanTagMemory, ComparesWhatIsLongerThanABlockToItsLastByte) {
-    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
+    Phrase *const first = learn(nullptr, "<gpx>", nullptr);
     const std::string name(80, 'n');
-    KnownTag *const known = learn(first, "<" + name + ">", root);
+    Phrase *const known = learn(first, "<" + name + ">", root);
     EXPECT_EQ(follow(first, "<" + name + ">", known), "|");
     for (std::size_t i = 1; i <= name.size(); ++i) {
         std::string text = "<" + name + ">";
@@ -129,7 +150,7 @@ TEST_F(ScanTagMemory, ComparesWhatIsLongerThanABlockToItsLastByte) {
 }
 
 TEST_F(ScanTagMemory, DoesNotLearnWhatIsTooLong) {
-    constexpr std::size_t longest = KnownTag::Literal::longest;
+    constexpr std::size_t longest = Phrase::Literal::longest;
     EXPECT_NE(learn(nullptr, "<" + std::string(longest - 2, 'n') + ">", root), nullptr);
     EXPECT_EQ(learn(nullptr, "<" + std::string(longest - 1, 'n') + ">", root), nullptr);
     EXPECT_EQ(learn(nullptr, "<a " + std::string(longest, 'n') + "='1'>", root), nullptr);
@@ -143,7 +164,7 @@ TEST_F(ScanTagMemory, DoesNotLearnWhatIsTooLong) {
     for (int i = 0; i < 12; ++i) {
         attributes.append(" a").append(std::to_string(i)).append("='v'");
     }
-    KnownTag *const known = learn(nullptr, "<a" + attributes + ">", root);
+    Phrase *const known = learn(nullptr, "<a" + attributes + ">", root);
     ASSERT_NE(known, nullptr);
     EXPECT_EQ(known->attributes.size(), 12U);
     EXPECT_EQ(known->attributes[11].localName, "a11");
@@ -151,8 +172,8 @@ TEST_F(ScanTagMemory, DoesNotLearnWhatIsTooLong) {
 }
 
 TEST_F(ScanTagMemory, RemembersATagOnce) {
-    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
-    KnownTag *const one = learn(first, "<a b='1'/>", root);
+    Phrase *const first = learn(nullptr, "<gpx>", nullptr);
+    Phrase *const one = learn(first, "<a b='1'/>", root);
     EXPECT_EQ(learn(one, "<a b='2'/>", root), one);
     EXPECT_EQ(follow(one, "<a b='3'/>", one), "b#0=3 |");
     EXPECT_NE(learn(first, "<a b=\"1\"/>", root), one);
@@ -161,37 +182,143 @@ TEST_F(ScanTagMemory, RemembersATagOnce) {
 }
 
 TEST_F(ScanTagMemory, KeepsTheLatestFollowers) {
-    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
-    std::vector<KnownTag *> tags;
-    constexpr std::size_t count = 2 * KnownTag::mostFollowers;
+    Phrase *const first = learn(nullptr, "<gpx>", nullptr);
+    std::vector<Phrase *> tags;
+    constexpr std::size_t count = 2 * Phrase::mostFollowers;
     const auto textOf = [](std::size_t i) { return "<n" + std::to_string(i) + "/>"; };
     for (std::size_t i = 0; i < count; ++i) {
         tags.push_back(learn(first, textOf(i), root));
         EXPECT_EQ(first->followers[0], tags.back()) << "the latest is the first";
     }
     for (std::size_t i = 0; i < count; ++i) {
-        const bool isKept = i >= count - KnownTag::mostFollowers;
+        const bool isKept = i >= count - Phrase::mostFollowers;
         EXPECT_EQ(follow(first, textOf(i), isKept ? tags[i] : nullptr), isKept ? "|" : "none");
     }
     // One that comes again goes to the front, and no other is lost for it.
     EXPECT_EQ(learn(first, textOf(count - 3), root), tags[count - 3]);
     EXPECT_EQ(first->followers[0], tags[count - 3]);
-    for (std::size_t i = count - KnownTag::mostFollowers; i < count; ++i) {
+    for (std::size_t i = count - Phrase::mostFollowers; i < count; ++i) {
         EXPECT_EQ(follow(first, textOf(i), tags[i]), "|");
     }
 }
 
+TEST_F(ScanTagMemory, JoinsWhatMeetsOftenInARow) {
+    wantNoText();
+    Phrase *const first = learn(nullptr, "<gpx>", nullptr);
+    Phrase *const open = learn(first, " <a>", root);
+    Phrase *const point = learn(open, "\n<b p='1'  q=\"2\"/>", element(root, "<a>"));
+    Phrase *const close = learnEnd(point, " </a>", element(root, "<a>"));
+    const std::string text = " <a>\n<b p='5'  q=\"\"/> </a>";
+    for (int i = 0; i < TagMemory::meetingsToJoin; ++i) {
+        memory.meet(*first, *open, *point);
+        EXPECT_EQ(follow(first, text, open), "|\n<b p='5'  q=\"\"/> </a>");
+    }
+    memory.meet(*first, *open, *point);
+    Phrase *const two = first->followers[0];
+    EXPECT_EQ(follow(first, text, two), "p#0=5 q#0= | </a>");
+    EXPECT_EQ(follow(first, " <a><c/>", open), "|<c/>") << "alone, it is known as before";
+    EXPECT_EQ(eventsOf(two), "start a ^3, start b -2 @, end b 0");
+    EXPECT_EQ(two->inside, element(root, "<a>"));
+    EXPECT_EQ(two->tags, 3U);
+
+    for (int i = 0; i <= TagMemory::meetingsToJoin; ++i) {
+        memory.meet(*first, *two, *close);
+    }
+    Phrase *const three = first->followers[0];
+    EXPECT_EQ(follow(first, text, three), "p#0=5 q#0= |");
+    EXPECT_EQ(eventsOf(three), "start a ^3, start b -7 @, end b -5, end a 0");
+    EXPECT_EQ(three->inside, root);
+    EXPECT_EQ(follow(first, " <a>\n<b p='5'  q=\"\"/> </b>", two), "p#0=5 q#0= | </b>");
+
+    Phrase *const front = learnEnd(first, "</cd>", element(root, "<cd>"));
+    for (int i = 0; i <= TagMemory::meetingsToJoin; ++i) {
+        memory.meet(*first, *front, *three);
+    }
+    EXPECT_EQ(eventsOf(first->followers[0]),
+              "end cd ^5, start a ^8, start b -7 @, end b -5, end a 0");
+}
+
+TEST_F(ScanTagMemory, JoinsTwoWithoutValues) {
+    wantNoText();
+    Phrase *const first = learn(nullptr, "<gpx>", nullptr);
+    Phrase *const open = learn(first, "<a>", root);
+    Phrase *const close = learnEnd(open, "</a>", element(root, "<a>"));
+    for (int i = 0; i <= TagMemory::meetingsToJoin; ++i) {
+        memory.meet(*first, *open, *close);
+    }
+    EXPECT_EQ(eventsOf(first->followers[0]), "start a -5, end a 0");
+}
+
+TEST_F(ScanTagMemory, DoesNotJoinWhatMeetsOnlyNowAndThen) {
+    wantNoText();
+    Phrase *const first = learn(nullptr, "<gpx>", nullptr);
+    Phrase *const open = learn(first, "<a>", root);
+    Phrase *const one = learn(open, "<b/>", element(root, "<a>"));
+    Phrase *const other = learn(open, "<c/>", element(root, "<a>"));
+    for (int i = 0; i < 20; ++i) {
+        memory.meet(*first, *open, *one);
+        memory.meet(*first, *open, *one);
+        memory.meet(*first, *open, *other);
+    }
+    EXPECT_EQ(first->followers[0], open);
+}
+
+TEST_F(ScanTagMemory, DoesNotJoinTwoTagsWithValuesNorWhatIsTooLong) {
+    wantNoText();
+    Phrase *const first = learn(nullptr, "<gpx>", nullptr);
+    const auto meet = [&](Phrase *last, Phrase *next) {
+        for (int i = 0; i < 20; ++i) {
+            memory.meet(*first, *last, *next);
+        }
+    };
+    Phrase *const one = learn(first, "<a p='1'>", root);
+    Phrase *const other = learn(one, "<b q='1'/>", element(root, "<a>"));
+    meet(one, other);
+    EXPECT_EQ(first->followers[0], one);
+
+    const std::string half(Phrase::Literal::longest / 2 - 3, 'n');
+    Phrase *const start = learn(first, "<" + half + ">", root);
+    meet(start, learn(start, "<" + half + "mm/>", element(root, "<" + half + ">")));
+    EXPECT_EQ(first->followers[0], start);
+    Phrase *const again = learn(first, "<m" + half + ">", root);
+    meet(again, learn(again, "<" + half + "/>", element(root, "<m" + half + ">")));
+    EXPECT_NE(first->followers[0], again) << "as long as can be";
+}
+
+TEST_F(ScanTagMemory, DoesNotJoinWhereWhiteSpaceIsText) {
+    Phrase *const first = learn(nullptr, "<gpx>", nullptr);
+    Phrase *const open = learn(first, "<a>", root);
+    Phrase *const blank = learn(open, " <b/>", element(root, "<a>"));
+    for (int i = 0; i < 20; ++i) {
+        memory.meet(*first, *open, *blank);
+    }
+    EXPECT_EQ(first->followers[0], open) << "the text has a place of its own";
+}
+
+TEST_F(ScanTagMemory, KeepsNoEndsForADelegateThatWantsStartsOnly) {
+    TagMemory starts(vocabulary, true);
+    Text text("<a p='1'/>");
+    StartTag tag;
+    ASSERT_EQ(readStartTag(text.begin(), text.end(), tag), Look::complete);
+    const Phrase *const known =
+        starts.learnStart(nullptr, text.begin(), tree.child(root, tag), tag);
+    EXPECT_EQ(eventsOf(known), "start a -2") << "nor attributes";
+    EXPECT_EQ(known->tags, 1U);
+    const Text end("</gpx>");
+    EXPECT_EQ(eventsOf(starts.learnEnd(nullptr, end.bytes.data(), end.end(), root)), "");
+}
+
 TEST_F(ScanTagMemory, IsFullAfterManyTagsAndForgetsThem) {
-    KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
+    Phrase *const first = learn(nullptr, "<gpx>", nullptr);
     ASSERT_NE(first, nullptr);
     std::size_t count = 1;
     for (; !memory.isFull(); ++count) {
         ASSERT_NE(learn(first, "<n" + std::to_string(count) + "/>", root), nullptr);
     }
-    EXPECT_EQ(count, TagMemory::mostTags);
+    EXPECT_EQ(count, TagMemory::mostPhrases);
     memory.forget();
     EXPECT_FALSE(memory.isFull());
-    KnownTag *const again = learn(nullptr, "<gpx>", nullptr);
+    Phrase *const again = learn(nullptr, "<gpx>", nullptr);
     EXPECT_EQ(again->followers[0], nullptr);
     EXPECT_EQ(follow(again, "<n5/>"), "none");
 }
@@ -234,8 +361,8 @@ TEST_F(ScanTagMemory, DoesNotPauseLongerForWhatIsForgottenInAPause) {
 TEST_F(ScanTagMemory, DoesNotPauseWhenItWasOfUse) {
     for (int i = 0; i < 5; ++i) {
         EXPECT_TRUE(memory.isLearning());
-        KnownTag *const first = learn(nullptr, "<gpx>", nullptr);
-        KnownTag *const known = learn(first, "<a/>", root);
+        Phrase *const first = learn(nullptr, "<gpx>", nullptr);
+        Phrase *const known = learn(first, "<a/>", root);
         for (int hit = 0; hit < 100; ++hit) {
             EXPECT_EQ(follow(first, "<a/>", known), "|");
         }

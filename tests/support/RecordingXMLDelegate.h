@@ -28,6 +28,7 @@ class RecordingXMLDelegate : public XMLParserDelegate {
     /// Answers of the delegate.
     XMLVocabulary names;
     bool namesOnly = false;
+    std::function<XMLInterest(const XMLElement &element)> interest; ///< none: in all
 
     /// The events, one a line.
     [[nodiscard]] std::string text() const {
@@ -42,6 +43,9 @@ class RecordingXMLDelegate : public XMLParserDelegate {
 
     [[nodiscard]] XMLVocabulary vocabulary() const override { return names; }
     [[nodiscard]] bool wantsElementNamesOnly() const override { return namesOnly; }
+    [[nodiscard]] XMLInterest interestIn(const XMLElement &element) const override {
+        return interest ? interest(element) : XMLInterest::all;
+    }
 
     void didStartElement(XMLParser &parser, const XMLElement &element,
                          const XMLAttributes &attributes) override {

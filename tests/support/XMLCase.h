@@ -30,7 +30,7 @@ struct XMLCase {
 inline constexpr std::array<std::size_t, 7> someWindowSizes = {
     17, 18, 21, 33, 64, 200, xml::scan::ScanEngine::usualWindowSize};
 
-/// Runs a document through both engines with several windows.
+/// Runs a document through both engines with several windows; and as a part of one that repeats it.
 inline void expectVerdict(const std::string &text, XMLVerdict verdict) {
     for (const std::size_t windowSize : someWindowSizes) {
         const XMLEngineComparison comparison(text, windowSize);
@@ -41,6 +41,8 @@ inline void expectVerdict(const std::string &text, XMLVerdict verdict) {
         } else if (windowSize == xml::scan::ScanEngine::usualWindowSize) {
             EXPECT_TRUE(comparison.isScanned()) << text;
         }
+        const XMLEngineComparison repeated(XMLEngineComparison::repeated(text), windowSize);
+        EXPECT_EQ(repeated.difference(), "") << text << "\nrepeated, window: " << windowSize;
     }
 }
 

@@ -3,25 +3,30 @@
 #include <Pelluvia/platform/xml/Sax2Engine.h>
 #include <Pelluvia/platform/xml/scan/ScanEngine.h>
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <tests/support/RecordingXMLDelegate.h>
 #include <tests/support/XMLSources.h>
+#include <utility>
 #include <vector>
 
 namespace pelluvia::testing {
 
-/// Both XML engines on the same document: the scanner must report what the library reports.
+/// Both XML engines on the same document: the scanner must report what the library reports, to
+/// delegates that want all, some elements, or names only; and the same again when it knows that the
+/// document is well-formed.
 class XMLEngineComparison {
   public:
-    explicit XMLEngineComparison(const std::string &document,
-                                 std::size_t windowSize = xml::scan::ScanEngine::usualWindowSize) {
-        runScanner(document, windowSize);
-        runLibrary(document);
-        compare();
+    explicit XMLEngineComparison(std::string document,
+                                 std::size_t windowSize = ScanEngine::usualWindowSize)
+        : document_(std::move(document)), windowSize_(windowSize) {
+        for (const Wanted wanted : {Wanted::all, Wanted::some, Wanted::names}) {
+            if (difference_.empty()) {
+                compare(wanted);
+            }
+        }
     }
 
     /// The scanner has read the whole document.
@@ -31,19 +36,49 @@ class XMLEngineComparison {
     /// What is not as it must be; empty when all is.
     [[nodiscard]] const std::string &difference() const noexcept { return difference_; }
 
+    /// Markup so often that tags which follow one another become phrases, and these longer ones.
+    [[nodiscard]] static std::string repeated(std::string_view markup) {
+        constexpr int times = 16;
+        std::string document = "<r>";
+        for (int i = 0; i < times; ++i) {
+            document.append(markup);
+        }
+        return document.append("</r>");
+    }
+
   private:
+    using ScanEngine = xml::scan::ScanEngine;
+    enum class Wanted { all, some, names };
+
     static constexpr std::array<std::string_view, 6> names = {"gpx", "trk", "lat", "lon", "a", "b"};
     static constexpr std::array<std::string_view, 2> namespaces = {
         "http://www.topografix.com/GPX/1/1", "u"};
+
+    /// Something of each, for short names and for those of GPX.
+    static XMLInterest someInterest(const XMLElement &element) {
+        constexpr std::array interests = {XMLInterest::tags, XMLInterest::nothing, XMLInterest::all,
+                                          XMLInterest::nothing};
+        std::size_t sum = element.namespaceURI.size();
+        for (const char c : element.localName) {
+            sum += static_cast<unsigned char>(c);
+        }
+        return interests[sum % interests.size()];
+    }
 
     /// The events, each with its place but for texts, which come in other pieces.
     struct Report {
         RecordingXMLDelegate delegate;
         std::vector<std::string> places;
         xml::Engine *engine = nullptr;
+        bool isWhole = false; ///< the engine has read the whole document
+        std::string end;
 
-        Report() {
+        explicit Report(Wanted wanted) {
             delegate.names = {.names = names, .namespaces = namespaces};
+            delegate.namesOnly = wanted == Wanted::names;
+            if (wanted == Wanted::some) {
+                delegate.interest = someInterest;
+            }
             delegate.onEvent = [this](XMLParser &, const std::string &event) {
                 places.resize(delegate.events.size());
                 places.back() = event.starts_with("text") ? std::string() : place();
@@ -59,56 +94,82 @@ class XMLEngineComparison {
         }
     };
 
-    void runScanner(const std::string &document, std::size_t windowSize) {
-        TextSource source(document);
+    void scan(Report &report, ScanEngine::Document known) const {
+        TextSource source(document_);
         XMLParser parser(source.again());
-        xml::scan::ScanEngine engine(parser, source, &scanned_.delegate, windowSize);
-        scanned_.engine = &engine;
-        isScanned_ = engine.run() == xml::scan::ScanEngine::Outcome::wellFormed;
-        scannedEnd_ = scanned_.place();
+        ScanEngine engine(parser, source, &report.delegate, known, windowSize_);
+        report.engine = &engine;
+        report.isWhole = engine.run() == ScanEngine::Outcome::wellFormed;
+        report.end = report.place();
     }
-    void runLibrary(const std::string &document) {
-        TextSource source(document);
+    void readWithLibrary(Report &report) const {
+        TextSource source(document_);
         XMLParser parser(source.again());
-        xml::Sax2Engine engine(parser, source, &read_.delegate, false);
-        read_.engine = &engine;
-        isWellFormed_ = engine.run() == nullptr;
-        readEnd_ = read_.place();
+        xml::Sax2Engine engine(parser, source, &report.delegate, false);
+        report.engine = &engine;
+        report.isWhole = engine.run() == nullptr;
+        report.end = report.place();
     }
 
-    void compare() {
-        const std::size_t count = scanned_.places.size();
+    static constexpr const char *nameOf(Wanted wanted) {
+        return wanted == Wanted::all    ? "all"
+               : wanted == Wanted::some ? "some elements"
+                                        : "names only";
+    }
+
+    void compare(Wanted wanted) {
+        wanted_ = wanted;
+        Report scanned(wanted);
+        scan(scanned, ScanEngine::Document::unknown);
+        Report read(wanted);
+        readWithLibrary(read);
+        if (wanted == Wanted::all) {
+            isScanned_ = scanned.isWhole;
+            isWellFormed_ = read.isWhole;
+        }
+        compare(scanned, read);
+        if (scanned.isWhole && difference_.empty()) {
+            Report again(wanted);
+            scan(again, ScanEngine::Document::wellFormed);
+            if (!again.isWhole) {
+                return differ("an error in what is known", "success");
+            }
+            compare(again, read);
+        }
+    }
+
+    void compare(const Report &scanned, const Report &read) {
+        const std::size_t count = scanned.places.size();
         // What was reported before a refusal comes first in what the library reports, too; but the
         // last text may reach further.
-        const bool endsWithText = count != 0 && scanned_.places.back().empty();
-        const std::size_t compared = count - (!isScanned_ && endsWithText ? 1 : 0);
+        const bool endsWithText = count != 0 && scanned.places.back().empty();
+        const std::size_t compared = count - (!scanned.isWhole && endsWithText ? 1 : 0);
         for (std::size_t i = 0; i < compared; ++i) {
-            if (scanned_.event(i) != read_.event(i)) {
-                return differ(scanned_.event(i), read_.event(i));
+            if (scanned.event(i) != read.event(i)) {
+                return differ(scanned.event(i), read.event(i));
             }
         }
-        if (!isScanned_) {
+        if (!scanned.isWhole) {
             return;
         }
-        if (!isWellFormed_) {
+        if (!read.isWhole) {
             differ("success", "an error");
-        } else if (read_.places.size() != count) {
-            differ(scanned_.event(count), read_.event(count));
-        } else if (scannedEnd_ != readEnd_) {
-            differ("the end at " + scannedEnd_, "the end at " + readEnd_);
+        } else if (read.places.size() != count) {
+            differ(scanned.event(count), read.event(count));
+        } else if (scanned.end != read.end) {
+            differ("the end at " + scanned.end, "the end at " + read.end);
         }
     }
     void differ(const std::string &scanned, const std::string &read) {
-        difference_.append("the scanner has ").append(scanned);
+        difference_.append(nameOf(wanted_)).append(": the scanner has ").append(scanned);
         difference_.append(", the library ").append(read);
     }
 
-    Report scanned_;
-    Report read_;
+    const std::string document_;
+    const std::size_t windowSize_;
+    Wanted wanted_ = Wanted::all; ///< what is compared
     bool isScanned_ = false;
     bool isWellFormed_ = false;
-    std::string scannedEnd_;
-    std::string readEnd_;
     std::string difference_;
 };
 

@@ -22,7 +22,7 @@ std::string documentation() {
 std::string grouped(std::size_t number) {
     std::string text = std::to_string(number);
     for (std::size_t digits = 3; digits < text.size(); digits += 4) {
-        text.insert(text.size() - digits, ",");
+        text.insert(text.size() - digits, 1, ',');
     }
     return text;
 }

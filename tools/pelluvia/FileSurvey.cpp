@@ -1,6 +1,5 @@
 #include <tools/pelluvia/FileSurvey.h>
 
-#include <Pelluvia/companion/Companion.h>
 #include <Pelluvia/platform/Scanner.h>
 
 #include <algorithm>
@@ -45,6 +44,11 @@ std::uint16_t FileSurvey::number(std::string_view name) {
 
 XMLVocabulary FileSurvey::vocabulary() const {
     return {.names = names_, .namespaces = counter_->vocabulary().namespaces};
+}
+
+/// Depths are counted, so that the tags of all elements are wanted.
+XMLInterest FileSurvey::interestIn(const XMLElement &element) const {
+    return element.nameNumber == time_ ? XMLInterest::all : XMLInterest::tags;
 }
 
 bool FileSurvey::isPoint(const XMLElement &element) const noexcept {
@@ -99,7 +103,7 @@ void FileSurvey::addPosition(const XMLAttributes &attributes) {
 
 void FileSurvey::addTime() {
     Scanner scanner(timeText_);
-    const auto time = scanISO8601DateAsSeconds(scanner);
+    const auto time = scanISO8601DateAsSeconds(scanner, day_);
     if (!time || *time == 0) {
         return;
     }

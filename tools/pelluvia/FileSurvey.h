@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Pelluvia/companion/Companion.h>
 #include <Pelluvia/gpximport/GPXImportCounter.h>
 #include <Pelluvia/platform/XMLParserDelegate.h>
 
@@ -45,6 +46,7 @@ class FileSurvey : public XMLParserDelegate {
 
     // The parser's side.
     [[nodiscard]] XMLVocabulary vocabulary() const override;
+    [[nodiscard]] XMLInterest interestIn(const XMLElement &element) const override;
     void didStartElement(XMLParser &parser, const XMLElement &element,
                          const XMLAttributes &attributes) override;
     void didEndElement(XMLParser &parser, const XMLElement &element) override;
@@ -69,6 +71,7 @@ class FileSurvey : public XMLParserDelegate {
     std::size_t pointDepth_ = 0; ///< of the open point; 0 for none
     bool inTime_ = false;
     std::string timeText_;
+    ISO8601Day day_; ///< of the last time
 
     std::int64_t trackPoints_ = 0;
     std::optional<Bounds> bounds_;

@@ -53,11 +53,10 @@ inline void Sax2Engine::startElement(const xmlParserCtxt &context, const xmlChar
     }
     XMLElement &element = open_[depth_++];
     fill(element, localName, prefix, uri);
-    if (!namesOnly_) {
-        wantsText_[depth_ - 1] =
-            (depth_ > 1 && wantsText_[depth_ - 2]) || delegate_.wantsTextIn(element);
-    }
-    if (wasReported()) {
+    const bool isWithinAll = depth_ > 1 && interests_[depth_ - 2] == XMLInterest::all;
+    XMLInterest &interest = interests_[depth_ - 1];
+    interest = isWithinAll ? XMLInterest::all : delegate_.interestIn(element);
+    if (wasReported() || interest == XMLInterest::nothing) {
         return;
     }
     if (namesOnly_) {
@@ -96,7 +95,7 @@ inline XMLAttributes Sax2Engine::collect(std::span<const Attribute> attributes) 
 inline void Sax2Engine::endElement() {
     textSize_ = 0;
     const XMLElement &element = open_[--depth_];
-    if (!wasReported()) {
+    if (!wasReported() && interests_[depth_] != XMLInterest::nothing) {
         delegate_.didEndElement(parser_, element);
     }
 }
@@ -106,7 +105,7 @@ inline void Sax2Engine::characters(std::string_view text) {
     if (textSize_ > xmlLimits::textSize) {
         return fail({XML_ERR_INTERNAL_ERROR, "Text too long"});
     }
-    if (reported_.tags != 0 || !wantsText_[depth_ - 1]) {
+    if (reported_.tags != 0 || interests_[depth_ - 1] != XMLInterest::all) {
         return;
     }
     if (reported_.text != 0) {

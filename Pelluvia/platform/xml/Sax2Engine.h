@@ -113,7 +113,7 @@ class Sax2Engine final : public Engine {
     const xmlChar *lastURI_ = nullptr; ///< of the element that started last
     NameTable::Name lastNamespace_;
     std::array<XMLElement, xmlLimits::depth> open_;  ///< the elements that are open
-    std::array<bool, xmlLimits::depth> wantsText_{}; ///< whether the text in them is reported
+    std::array<XMLInterest, xmlLimits::depth> interests_{}; ///< in the open elements
     std::size_t depth_ = 0;                          ///< how many they are
     std::vector<XMLAttribute> attributes_; ///< room for those of one element; never shrinks
 

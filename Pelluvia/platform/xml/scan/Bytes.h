@@ -21,11 +21,12 @@ namespace pelluvia::xml::scan {
 inline constexpr std::size_t padding = 32;
 
 enum ByteClass : std::uint8_t {
-    nameStart = 1,  ///< may begin a name (of the ASCII ones, the only names that are scanned here)
-    nameByte = 2,   ///< may stand in a name
-    blank = 4,      ///< white space; a CR is none here, for line ends are one LF by now
-    plainText = 8,  ///< means nothing but itself between tags
-    plainValue = 16 ///< the same in an attribute value, whichever the quote
+    nameStart = 1,   ///< may begin a name (of the ASCII ones, the only names that are scanned here)
+    nameByte = 2,    ///< may stand in a name
+    blank = 4,       ///< white space; a CR is none here, for line ends are one LF by now
+    plainText = 8,   ///< means nothing but itself between tags
+    plainValue = 16, ///< the same in an attribute value, whichever the quote
+    tagLead = 32     ///< may begin a tag with the white space in front of it
 };
 
 inline constexpr std::array<std::uint8_t, 256> byteClasses = [] {
@@ -37,9 +38,10 @@ inline constexpr std::array<std::uint8_t, 256> byteClasses = [] {
         classes[c] = static_cast<std::uint8_t>(
             (isLetter ? nameStart : 0) | (isNameByte ? nameByte : 0) | (c == ' ' ? blank : 0) |
             (isMarkup || c == ']' ? 0 : plainText) |
-            (isMarkup || c == '"' || c == '\'' ? 0 : plainValue));
+            (isMarkup || c == '"' || c == '\'' ? 0 : plainValue) |
+            (c == ' ' || c == '<' ? tagLead : 0));
     }
-    classes['\t'] = classes['\n'] = blank | plainText;
+    classes['\t'] = classes['\n'] = blank | plainText | tagLead;
     return classes;
 }();
 
@@ -77,6 +79,11 @@ struct Words {
             found |= equal(word, '"') | equal(word, '\'');
         }
         return found;
+    }
+    /// Tells where a tag or reference begins, or the text ends, likewise.
+    [[nodiscard]] static std::uint64_t markup(const char *at) noexcept {
+        const std::uint64_t word = load(at);
+        return below(word, 1) | equal(word, '<') | equal(word, '&');
     }
     /// The position of the first.
     [[nodiscard]] static std::size_t first(std::uint64_t special) noexcept {
@@ -145,6 +152,11 @@ struct Vectors {
         }
         return mask(found);
     }
+    [[nodiscard]] static std::uint32_t markup(const char *at) noexcept {
+        const __m128i bytes = load(at);
+        const __m128i found = _mm_or_si128(equal(bytes, '<'), equal(bytes, '&'));
+        return mask(_mm_or_si128(found, equal(bytes, '\0')));
+    }
     [[nodiscard]] static std::size_t first(std::uint32_t special) noexcept {
         return static_cast<std::size_t>(std::countr_zero(special));
     }
@@ -194,9 +206,10 @@ struct Vectors {
     [[nodiscard]] static std::uint32_t mask(__m128i bytes) noexcept {
         return static_cast<std::uint32_t>(_mm_movemask_epi8(bytes));
     }
+    static constexpr std::uint32_t allOnes = 0xFFFF;
     /// A bit for each byte that differs, the first of them lowest.
     [[nodiscard]] static std::uint32_t differences(const char *one, const char *other) noexcept {
-        return 0xFFFFU ^ mask(_mm_cmpeq_epi8(load(one), load(other)));
+        return allOnes ^ mask(_mm_cmpeq_epi8(load(one), load(other)));
     }
 };
 using Blocks = Vectors;
@@ -219,6 +232,19 @@ template <ByteClass plain, class Block = Blocks>
             return at;
         }
         ++at;
+    }
+}
+
+/// The first tag, reference or zero at or behind `at`: what ends a text of which all characters are
+/// known to be right.
+template <class Block = Blocks>
+[[nodiscard]] inline const char *findMarkup(const char *at) noexcept {
+    while (true) {
+        const auto markup = Block::markup(at);
+        if (markup != 0) {
+            return at + Block::first(markup);
+        }
+        at += Block::width;
     }
 }
 

@@ -107,8 +107,9 @@ std::unique_ptr<Element> ElementTree::make(Element *parent, const StartTag &tag)
     name.namespaceURI = uriOf(name.prefix, element.get());
     name.nameNumber = vocabulary_.name(name.localName);
     name.namespaceNumber = vocabulary_.uri(name.namespaceURI);
-    element->wantsText = textDelegate_ != nullptr && ((parent != nullptr && parent->wantsText) ||
-                                                      textDelegate_->wantsTextIn(name));
+    const bool isWithinAll = parent != nullptr && parent->interest == XMLInterest::all;
+    element->interest = isWithinAll ? XMLInterest::all : delegate_.interestIn(name);
+    element->wantsText = hasText_ && element->interest == XMLInterest::all;
     return element;
 }
 

@@ -28,18 +28,21 @@ struct Element {
     XMLElement name;           ///< resolved; as delegates get it
     std::string_view qualifiedName;
     std::vector<Declaration> declarations;
-    std::size_t declared = 0; ///< declarations in force: these and those around it
-    bool wantsText = false;   ///< the text in it is reported
-    std::string text;         ///< what the views are on, but for those on other elements
+    std::size_t declared = 0;                ///< declarations in force: these and those around it
+    XMLInterest interest = XMLInterest::all; ///< of the delegate
+    bool wantsText = false;                  ///< the text in it is reported
+    std::string text; ///< what the views are on, but for those on other elements
 };
 
 /// The elements that were seen, each where it stands: a tree, of which the open elements are one
 /// branch.
 class ElementTree {
   public:
-    /// `textDelegate`, if any, is asked in which elements it wants the text.
-    ElementTree(const Vocabulary &vocabulary, const XMLParserDelegate *textDelegate)
-        : vocabulary_(vocabulary), textDelegate_(textDelegate) {}
+    /// The delegate is asked for its interest in each.
+    ElementTree(const Vocabulary &vocabulary, const XMLParserDelegate &delegate)
+        : vocabulary_(vocabulary),
+          delegate_(delegate),
+          hasText_(!delegate.wantsElementNamesOnly()) {}
 
     /// The element of a start tag inside `parent` (null for a root), the same one for the same tag.
     /// Null when it cannot be read here: it is nested too deep, or its namespaces are unusual.
@@ -72,7 +75,8 @@ class ElementTree {
     [[nodiscard]] std::unique_ptr<Element> make(Element *parent, const StartTag &tag) const;
 
     const Vocabulary &vocabulary_;
-    const XMLParserDelegate *const textDelegate_;
+    const XMLParserDelegate &delegate_;
+    const bool hasText_; ///< text is reported, where the delegate wants all
     std::unordered_map<Key, std::unique_ptr<Element>, Hash> elements_;
     std::size_t textSize_ = 0;
     std::string key_; ///< scratch

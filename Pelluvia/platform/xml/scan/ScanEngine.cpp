@@ -30,17 +30,18 @@ constexpr std::ptrdiff_t longestSpecial = longestReference;
 } // namespace
 
 ScanEngine::ScanEngine(XMLParser &parser, Source &source, XMLParserDelegate *delegate,
-                       std::size_t windowSize)
+                       Document document, std::size_t windowSize)
     : parser_(parser),
       delegate_(delegate != nullptr ? *delegate : nobody_),
       namesOnly_(delegate == nullptr || delegate->wantsElementNamesOnly()),
+      isWellFormed_(document == Document::wellFormed),
       source_(source),
       input_(source),
       window_(input_, windowSize),
       lookAhead_(static_cast<std::ptrdiff_t>(std::min(usualLookAhead, windowSize / 4))),
       vocabulary_(delegate_.vocabulary()),
-      elements_(vocabulary_, namesOnly_ ? nullptr : &delegate_),
-      memory_(vocabulary_),
+      elements_(vocabulary_, delegate_),
+      memory_(vocabulary_, namesOnly_),
       place_(window_.cursor()) {}
 
 ScanEngine::Outcome ScanEngine::run() {
@@ -79,16 +80,9 @@ inline void ScanEngine::seeAhead() {
 
 // The events, of which there are many: in front, so that they become one with what reports them.
 
-inline bool ScanEngine::reportStart(const Element &element,
-                                    std::span<const XMLAttribute> attributes, const char *place) {
-    textSize_ = 0;
-    reported_ = {.tags = reported_.tags + 1};
-    place_ = place;
-    if (namesOnly_) {
-        delegate_.didStartElement(parser_, element.name, XMLAttributes());
-        return !aborted_;
-    }
-    for (const Declaration &each : element.declarations) {
+inline bool ScanEngine::tellStart(const Element &element, std::span<const Declaration> declarations,
+                                  std::span<const XMLAttribute> attributes) {
+    for (const Declaration &each : declarations) {
         delegate_.didStartMappingPrefix(parser_, each.prefix, each.uri);
         if (aborted_) {
             return false;
@@ -98,13 +92,30 @@ inline bool ScanEngine::reportStart(const Element &element,
     return !aborted_;
 }
 
-inline bool ScanEngine::reportEnd(const Element &element, const char *place) {
-    if (!namesOnly_) {
-        reported_ = {.tags = reported_.tags + 1};
-        place_ = place;
-        delegate_.didEndElement(parser_, element.name);
-    }
+inline bool ScanEngine::tellEnd(const Element &element) {
+    delegate_.didEndElement(parser_, element.name);
     return !aborted_;
+}
+
+inline bool ScanEngine::reportStart(const Element &element,
+                                    std::span<const XMLAttribute> attributes, const char *place) {
+    textSize_ = 0;
+    reported_ = {.tags = reported_.tags + 1};
+    if (element.interest == XMLInterest::nothing) {
+        return true;
+    }
+    place_ = place;
+    const std::span<const Declaration> declarations(element.declarations);
+    return tellStart(element, declarations.first(namesOnly_ ? 0 : declarations.size()), attributes);
+}
+
+inline bool ScanEngine::reportEnd(const Element &element, const char *place) {
+    if (namesOnly_) {
+        return true;
+    }
+    reported_ = {.tags = reported_.tags + 1};
+    place_ = place;
+    return element.interest == XMLInterest::nothing || tellEnd(element);
 }
 
 inline bool ScanEngine::reportText(std::string_view text, const char *place) {
@@ -118,15 +129,37 @@ inline bool ScanEngine::reportText(std::string_view text, const char *place) {
     return !aborted_;
 }
 
-inline bool ScanEngine::reportKnown(const KnownTag &tag, const char *at, const char *end) {
-    if (tag.blankSize != 0 && !reportText({at, tag.blankSize}, at + tag.blankSize)) {
+inline bool ScanEngine::reportPhrase(const Phrase &phrase, const char *at, const char *end) {
+    if (phrase.blankSize != 0 && !reportText({at, phrase.blankSize}, at + phrase.blankSize)) {
         return false;
     }
-    if (tag.kind == KnownTag::Kind::end) {
-        return reportEnd(*tag.element, end);
+    for (const Phrase::Event &event : phrase.events) {
+        place_ = Phrase::placeOf(event, at, end);
+        if (!(event.isStart ? tellStart(*event.element, Phrase::declarationsOf(event),
+                                        phrase.attributesOf(event))
+                            : tellEnd(*event.element))) {
+            return false;
+        }
     }
-    return reportStart(*tag.element, tag.attributes, end - tag.closeSize) &&
-           (tag.kind == KnownTag::Kind::start || reportEnd(*tag.element, end));
+    textSize_ = phrase.hasStart ? 0 : textSize_;
+    reported_.tags += phrase.tags;
+    reported_.text = 0;
+    return true;
+}
+
+inline const char *ScanEngine::endOfPlainText(const char *at) const noexcept {
+    return isWellFormed_ ? findMarkup(at) : skipText(at);
+}
+
+inline const char *ScanEngine::endOfText(const char *at) const noexcept {
+    while (true) {
+        at = endOfPlainText(at);
+        const char *const next = *at == '<' ? at : skipSpecial(at, window_.end());
+        if (next == at) {
+            return at;
+        }
+        at = next;
+    }
 }
 
 bool ScanEngine::readProlog() {
@@ -194,36 +227,46 @@ bool ScanEngine::readContent() {
 /// Known tags and plain texts, as far as they follow one another in what can be seen: almost all of
 /// most documents.
 bool ScanEngine::readKnown() {
-    if (lastTag_ == nullptr) {
+    if (lastPhrase_ == nullptr || !seesAhead()) {
         return true;
     }
     const char *at = window_.cursor();
     const char *const windowEnd = window_.end();
-    const std::ptrdiff_t enough = window_.atEnd() ? 0 : lookAhead_;
-    // Not in the member, which would be read again behind every event: each tag waits for the one
-    // before it.
-    KnownTag *last = lastTag_;
-    while (windowEnd - at >= enough) {
+    const char *const lastBegin = windowEnd - (window_.atEnd() ? 0 : lookAhead_);
+    // Not in the member, which would be read again behind every event: each phrase waits for the
+    // one before it.
+    Phrase *last = lastPhrase_;
+    Phrase *before = nullptr; // the one that `last` has followed, and directly precedes the cursor
+    while (at <= lastBegin) {
         const char *end = nullptr;
-        if (KnownTag *const known = memory_.follow(*last, at, end)) {
+        if (is(tagLead, *at)) {
+            Phrase *const known = memory_.follow(*last, at, end);
+            if (known == nullptr) {
+                break;
+            }
+            if (before != nullptr) {
+                memory_.meet(*before, *last, *known);
+            }
+            before = last;
             last = known;
-            if (!reportKnown(*known, at, end)) {
+            if (!reportPhrase(*known, at, end)) {
                 return false;
             }
         } else {
-            end = skipText(at);
-            if (*end != '<' || end == at || is(blank, *at)) {
+            end = last->wantsText ? endOfPlainText(at) : endOfText(at);
+            if (*end != '<') {
                 break;
             }
             if (last->wantsText && !reportText({at, static_cast<std::size_t>(end - at)}, end)) {
                 return false;
             }
+            before = nullptr;
         }
         at = end;
     }
     window_.moveTo(at);
-    lastTag_ = last;
-    open_ = last->inside();
+    lastPhrase_ = last;
+    open_ = last->inside;
     return true;
 }
 
@@ -249,22 +292,12 @@ bool ScanEngine::readUnknown() {
 /// Text up to the next markup. Nothing of it is reported before all of it is known to be right: of
 /// a text that is not, the library might report less.
 bool ScanEngine::readText() {
-    const char *end = window_.cursor();
-    bool hasReferences = false;
-    while (true) {
-        end = skipText(end);
-        if (*end == '<') {
-            break;
-        }
-        hasReferences = hasReferences || *end == '&';
-        const char *const next = skipSpecial(end, window_.end());
-        if (next == end) {
-            const bool mayBeCutOff = window_.end() - end < longestSpecial;
-            return mayBeCutOff && window_.more();
-        }
-        end = next;
+    const char *const end = endOfText(window_.cursor());
+    if (*end != '<') {
+        const bool mayBeCutOff = window_.end() - end < longestSpecial;
+        return mayBeCutOff && window_.more();
     }
-    return (!hasReferences || reportReferencesTo(end)) && reportTextTo(end);
+    return reportReferencesTo(end) && reportTextTo(end);
 }
 
 /// Reports the text up to behind the last reference in front of `end`.
@@ -295,8 +328,9 @@ bool ScanEngine::readStart(char *at) {
     if (element == nullptr) {
         return false;
     }
-    lastTag_ = memory_.isLearning() ? memory_.learnStart(lastTag_, window_.cursor(), element, tag_)
-                                    : nullptr;
+    lastPhrase_ = memory_.isLearning()
+                      ? memory_.learnStart(lastPhrase_, window_.cursor(), element, tag_)
+                      : nullptr;
     if (!reportTextTo(at)) {
         return false;
     }
@@ -329,8 +363,8 @@ bool ScanEngine::readEnd(const char *at) {
         return lookAgain(look);
     }
     const Element &element = *open_;
-    lastTag_ =
-        memory_.isLearning() ? memory_.learnEnd(lastTag_, window_.cursor(), end, open_) : nullptr;
+    lastPhrase_ = memory_.isLearning() ? memory_.learnEnd(lastPhrase_, window_.cursor(), end, open_)
+                                       : nullptr;
     if (!reportTextTo(at)) {
         return false;
     }
@@ -389,7 +423,7 @@ bool ScanEngine::reportTextTo(const char *end) {
 void ScanEngine::forgetIfFull() {
     if (elements_.isFull() || memory_.isFull()) {
         memory_.forget();
-        lastTag_ = nullptr;
+        lastPhrase_ = nullptr;
         if (elements_.isFull()) {
             elements_.keepOnly(open_);
         }

@@ -32,10 +32,14 @@ class ScanEngine final : public Engine {
   public:
     enum class Outcome { wellFormed, aborted, refused };
 
+    /// What is known of a document: all of it was read before by the scanner, or nothing.
+    enum class Document { unknown, wellFormed };
+
     /// A parse of `source`, which must be open and outlive it, for a delegate or nobody. At most
-    /// `windowSize` bytes are in memory; what does not fit is refused.
+    /// `windowSize` bytes are in memory; what does not fit is refused. The characters between the
+    /// tags of a document that is well-formed are not looked at again.
     ScanEngine(XMLParser &parser, Source &source, XMLParserDelegate *delegate,
-               std::size_t windowSize = usualWindowSize);
+               Document document = Document::unknown, std::size_t windowSize = usualWindowSize);
 
     /// Parses. Throws what the delegate has thrown.
     [[nodiscard]] Outcome run();
@@ -68,6 +72,11 @@ class ScanEngine final : public Engine {
     [[nodiscard]] bool readKnown();
     [[nodiscard]] bool readUnknown();
     [[nodiscard]] bool readText();
+    /// The end of the plain text at `at`.
+    [[nodiscard]] const char *endOfPlainText(const char *at) const noexcept;
+    /// The end of the text at `at`: the next tag or aside, or what may not stand there, or cannot
+    /// be seen as a whole.
+    [[nodiscard]] const char *endOfText(const char *at) const noexcept;
     [[nodiscard]] bool readStart(char *at);
     [[nodiscard]] bool readEnd(const char *at);
     [[nodiscard]] bool readAside();
@@ -76,10 +85,13 @@ class ScanEngine final : public Engine {
     [[nodiscard]] bool lookAgain(Look look);
 
     // Events. All return false when the delegate has aborted.
-    [[nodiscard]] bool reportKnown(const KnownTag &tag, const char *at, const char *end);
+    [[nodiscard]] bool reportPhrase(const Phrase &phrase, const char *at, const char *end);
     [[nodiscard]] bool reportStart(const Element &element, std::span<const XMLAttribute> attributes,
                                    const char *place);
     [[nodiscard]] bool reportEnd(const Element &element, const char *place);
+    [[nodiscard]] bool tellStart(const Element &element, std::span<const Declaration> declarations,
+                                 std::span<const XMLAttribute> attributes);
+    [[nodiscard]] bool tellEnd(const Element &element);
     /// Whether the text at the cursor is reported.
     [[nodiscard]] bool wantsText() const noexcept { return open_ != nullptr && open_->wantsText; }
     [[nodiscard]] bool reportReferencesTo(const char *end);
@@ -96,6 +108,7 @@ class ScanEngine final : public Engine {
     XMLParserDelegate nobody_;
     XMLParserDelegate &delegate_;
     const bool namesOnly_;
+    const bool isWellFormed_; ///< known before
     Source &source_;
     Input input_;
     Window window_;
@@ -105,7 +118,7 @@ class ScanEngine final : public Engine {
     TagMemory memory_;
 
     Element *open_ = nullptr;              ///< the innermost open element
-    KnownTag *lastTag_ = nullptr;          ///< the tag before the cursor, if it is remembered
+    Phrase *lastPhrase_ = nullptr;         ///< the one before the cursor, if it is remembered
     StartTag tag_;                         ///< scratch
     std::vector<XMLAttribute> attributes_; ///< scratch
     std::size_t textSize_ = 0;             ///< of the text since an element started

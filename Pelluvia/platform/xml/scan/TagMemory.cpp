@@ -18,24 +18,76 @@ std::size_t distance(const char *begin, const char *end) noexcept {
     return static_cast<std::size_t>(end - begin);
 }
 
-void set(KnownTag::Literal &literal, const char *begin, const char *end) noexcept {
+void set(Phrase::Literal &literal, const char *begin, const char *end) noexcept {
     literal.size = distance(begin, end);
     std::copy(begin, end, literal.bytes.begin());
 }
 
 bool fits(const char *begin, const char *end) noexcept {
-    return distance(begin, end) <= KnownTag::Literal::longest;
+    return distance(begin, end) <= Phrase::Literal::longest;
 }
 
-void setFrame(KnownTag &known, const char *begin, KnownTag::Kind kind, Element *element) noexcept {
-    known.kind = kind;
-    known.element = element;
-    const Element *const outside = kind == KnownTag::Kind::end ? element : element->parent;
-    const Element *const inside = known.inside();
+/// What a tag that stands at `begin` leads from and to; null is outside the root.
+void setFrame(Phrase &phrase, const char *begin, const Element *outside, Element *inside) noexcept {
     if (outside != nullptr && outside->wantsText) {
-        known.blankSize = static_cast<std::uint8_t>(distance(begin, skip(blank, begin)));
+        phrase.blankSize = static_cast<std::uint8_t>(distance(begin, skip(blank, begin)));
     }
-    known.wantsText = inside != nullptr && inside->wantsText;
+    phrase.inside = inside;
+    phrase.wantsText = inside != nullptr && inside->wantsText;
+}
+
+/// Puts a follower in front, from where it was or in place of the one that is last.
+void follows(Phrase &previous, Phrase *phrase) noexcept {
+    auto &followers = previous.followers;
+    auto place = std::find(followers.begin(), followers.end() - 1, phrase);
+    *place = phrase;
+    std::rotate(followers.begin(), place, place + 1);
+}
+
+/// `last` and directly behind it `next`, as one; null if that is too long, or they would have two
+/// tags with attributes.
+std::unique_ptr<Phrase> joinedOf(const Phrase &last, const Phrase &next) {
+    const bool hasValues = !last.literals.empty();
+    const Phrase::Literal &seam = hasValues ? last.literals.back() : last.literal;
+    const std::size_t size = seam.size + next.literal.size;
+    if (size > Phrase::Literal::longest || next.blankSize != 0 ||
+        (hasValues && !next.literals.empty())) {
+        return nullptr;
+    }
+    auto joined = std::make_unique<Phrase>(last);
+    Phrase::Literal &literal = hasValues ? joined->literals.back() : joined->literal;
+    std::copy_n(next.literal.bytes.begin(), next.literal.size, literal.bytes.begin() + seam.size);
+    literal.size = size;
+    // Places are counted from the side of the values that they are on: what is in front of them
+    // stays there, and what is not is so when values come only now.
+    const auto sizeOfLast = static_cast<std::int32_t>(last.literal.size);
+    const auto sizeOfNext = static_cast<std::int32_t>(next.literal.size);
+    for (Phrase::Event &event : joined->events) {
+        if (!next.literals.empty()) {
+            event.isFromBegin = true;
+            event.offset += sizeOfLast;
+        } else if (!event.isFromBegin) {
+            event.offset -= sizeOfNext;
+        }
+    }
+    for (Phrase::Event event : next.events) {
+        event.offset += event.isFromBegin ? sizeOfLast : 0;
+        joined->events.push_back(event);
+    }
+    if (!next.literals.empty()) {
+        joined->literals = next.literals;
+        joined->attributes = next.attributes;
+        joined->names = next.names;
+    }
+    joined->tags += next.tags;
+    joined->hasStart = joined->hasStart || next.hasStart;
+    joined->inside = next.inside;
+    joined->wantsText = next.wantsText;
+    joined->followers = next.followers;
+    joined->neighbour = nullptr;
+    joined->meetings = 0;
+    joined->canJoin = true;
+    return joined;
 }
 
 /// Whether the tag can be compared as a whole; writes its text with a zero for each value.
@@ -72,8 +124,8 @@ bool TagMemory::isLearning() noexcept {
     return true;
 }
 
-KnownTag *TagMemory::learnStart(KnownTag *previous, const char *begin, Element *element,
-                                const StartTag &tag) {
+Phrase *TagMemory::learnStart(Phrase *previous, const char *begin, Element *element,
+                              const StartTag &tag) {
     if (!write(begin, tag, key_.text)) {
         return nullptr;
     }
@@ -81,67 +133,102 @@ KnownTag *TagMemory::learnStart(KnownTag *previous, const char *begin, Element *
     return remember(previous, [&] { return make(begin, element, tag); });
 }
 
-KnownTag *TagMemory::learnEnd(KnownTag *previous, const char *begin, const char *end,
-                              Element *element) {
+Phrase *TagMemory::learnEnd(Phrase *previous, const char *begin, const char *end,
+                            Element *element) {
     if (!fits(begin, end)) {
         return nullptr;
     }
     key_.text.assign(begin, end);
     key_.element = element;
     return remember(previous, [&] {
-        auto known = std::make_unique<KnownTag>();
-        setFrame(*known, begin, KnownTag::Kind::end, element);
-        set(known->literal, begin, end);
-        return known;
+        auto phrase = std::make_unique<Phrase>();
+        setFrame(*phrase, begin, element, element->parent);
+        set(phrase->literal, begin, end);
+        addEnd(*phrase, element);
+        return phrase;
     });
 }
 
+void TagMemory::addStart(Phrase &phrase, const Element *element, const StartTag &tag) const {
+    ++phrase.tags;
+    phrase.hasStart = true;
+    if (element->interest != XMLInterest::nothing) {
+        phrase.events.push_back(
+            {.element = element,
+             .hasAttributes = !startsOnly_ && !tag.attributes.empty(),
+             .hasDeclarations = !startsOnly_ && !element->declarations.empty(),
+             .offset = -static_cast<std::int32_t>(distance(tag.close, tag.end))});
+    }
+}
+
+void TagMemory::addEnd(Phrase &phrase, const Element *element) const {
+    if (startsOnly_) {
+        return;
+    }
+    ++phrase.tags;
+    if (element->interest != XMLInterest::nothing) {
+        phrase.events.push_back({.element = element, .isStart = false});
+    }
+}
+
 template <class Make>
-KnownTag *TagMemory::remember(KnownTag *previous, Make make) {
+Phrase *TagMemory::remember(Phrase *previous, Make make) {
     auto found = tags_.find(key_);
     if (found == tags_.end()) {
         found = tags_.emplace(key_, make()).first;
     }
-    KnownTag *const known = found->second.get();
+    Phrase *const phrase = found->second.get();
     if (previous != nullptr) {
-        // To the front, from where it was or in place of the one that is last.
-        auto &followers = previous->followers;
-        auto place = std::find(followers.begin(), followers.end() - 1, known);
-        *place = known;
-        std::rotate(followers.begin(), place, place + 1);
+        follows(*previous, phrase);
     }
-    return known;
+    return phrase;
 }
 
-std::unique_ptr<KnownTag> TagMemory::make(const char *begin, Element *element,
-                                          const StartTag &tag) const {
-    auto known = std::make_unique<KnownTag>();
-    setFrame(*known, begin, tag.isEmpty ? KnownTag::Kind::empty : KnownTag::Kind::start, element);
-    known->closeSize = static_cast<std::uint8_t>(distance(tag.close, tag.end));
-    known->literals.resize(tag.attributes.size());
-    known->attributes.resize(tag.attributes.size());
+void TagMemory::join(Phrase &before, Phrase &last, Phrase &next) {
+    auto &joined = joined_[{&last, &next}];
+    if (joined == nullptr) {
+        joined = joinedOf(last, next);
+    }
+    if (joined == nullptr) {
+        last.canJoin = false;
+    } else {
+        follows(before, joined.get());
+    }
+}
+
+std::unique_ptr<Phrase> TagMemory::make(const char *begin, Element *element,
+                                        const StartTag &tag) const {
+    auto phrase = std::make_unique<Phrase>();
+    setFrame(*phrase, begin, element->parent, tag.isEmpty ? element->parent : element);
+    addStart(*phrase, element, tag);
+    if (tag.isEmpty) {
+        addEnd(*phrase, element);
+    }
+    phrase->literals.resize(tag.attributes.size());
+    phrase->attributes.resize(tag.attributes.size());
     const auto endOfLiteral = [&](std::size_t i) {
         return i < tag.attributes.size() ? tag.attributes[i].begin : tag.end;
     };
-    set(known->literal, begin, endOfLiteral(0));
+    set(phrase->literal, begin, endOfLiteral(0));
     for (const StartTag::Attribute &each : tag.attributes) {
-        known->names.append(each.name.whole);
+        phrase->names.append(each.name.whole);
     }
-    std::string_view names = known->names;
+    std::string_view names = phrase->names;
     for (std::size_t i = 0; i < tag.attributes.size(); ++i) {
         const QualifiedName &name = tag.attributes[i].name;
-        set(known->literals[i], tag.attributes[i].end, endOfLiteral(i + 1));
-        XMLAttribute &attribute = known->attributes[i];
+        set(phrase->literals[i], tag.attributes[i].end, endOfLiteral(i + 1));
+        XMLAttribute &attribute = phrase->attributes[i];
         attribute.prefix = names.substr(0, name.prefix.size());
         attribute.localName =
             names.substr(name.whole.size() - name.local.size(), name.local.size());
         attribute.nameNumber = vocabulary_.name(name.local);
         names.remove_prefix(name.whole.size());
     }
-    return known;
+    return phrase;
 }
 
 void TagMemory::forget() noexcept {
+    joined_.clear();
     tags_.clear();
     if (toPass_ != 0) {
         return; // it had not begun anew

@@ -2,9 +2,12 @@
 
 #include <Pelluvia/model/GPSOutputReceiver.h>
 
-namespace pelluvia::testing {
+namespace pelluvia {
 
-/// Does nothing with any call.
+/// A receiver that does nothing with any call: for producers that are run for another reason than
+/// their calls, and as a base for receivers that are interested in few of them.
+///
+/// Threads: any.
 class NullReceiver : public GPSOutputReceiver {
   public:
     void newTrackSegment() override {}
@@ -29,4 +32,4 @@ class NullReceiver : public GPSOutputReceiver {
     void endSending(int /*kind*/) override {}
 };
 
-} // namespace pelluvia::testing
+} // namespace pelluvia
