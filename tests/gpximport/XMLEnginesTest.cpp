@@ -69,6 +69,23 @@ TEST_F(XMLEngines, ImportDamagedFilesAlike) {
     }
 }
 
+TEST_F(XMLEngines, ImportLongTextsAlike) {
+    const testing::TemporaryFolder folder;
+    const std::string piece = std::string(100'000, 'x') + "<!-- -->";
+    for (const int pieces : {9, 11, 101}) {
+        std::string text;
+        for (int i = 0; i < pieces; ++i) {
+            text += piece;
+        }
+        for (const char *name : {"name", "unknown"}) {
+            const std::string element = "<" + std::string(name) + ">" + text + "</" + name + ">";
+            const std::string path = folder.write(
+                "long.gpx", testing::gpx("<wpt lat='1' lon='2'>" + element + "</wpt>"));
+            EXPECT_TRUE(agreeOn(path)) << pieces << " pieces in " << name;
+        }
+    }
+}
+
 /// Points in a foreign namespace begin nowhere, so they are made of what is left over: of the pass
 /// before, or of an import before.
 TEST_F(XMLEngines, LeaveTheSameOver) {

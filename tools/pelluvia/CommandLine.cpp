@@ -18,6 +18,7 @@
 #include <array>
 #include <charconv>
 #include <optional>
+#include <span>
 #include <sstream>
 #include <string_view>
 #include <utility>
@@ -221,10 +222,17 @@ void addFlag(CLI::App &command, const char *name, bool &flag, const char *descri
             ""));
 }
 
+/// The words of the command line. Of the commands that are not among them, nothing is needed but
+/// name and description.
+using Words = std::span<const char *const>;
+
+bool isAmong(const Words &words, std::string_view name) {
+    return std::find(words.begin(), words.end(), name) != words.end();
+}
+
 /// To CLI11, a dash and a digit begin a number and no option, so it takes them for a file.
-void refuseNumbers(const std::vector<std::string> &files, int argc, const char *const *argv) {
-    using namespace std::string_view_literals;
-    if (std::find(argv, argv + argc, "--"sv) != argv + argc) {
+void refuseNumbers(const std::vector<std::string> &files, const Words &words) {
+    if (isAmong(words, "--")) {
         return; // files behind it may have any name
     }
     for (const std::string &file : files) {
@@ -262,8 +270,11 @@ void takePathsAsTheyAre(CLI::Option &paths) {
         ->allow_extra_args(false);
 }
 
-CLI::App *addConvert(CLI::App &app, Arguments &arguments) {
+CLI::App *addConvert(CLI::App &app, Arguments &arguments, const Words &words) {
     CLI::App *command = app.add_subcommand("convert", "Convert GPX files, NMEA logs and call logs");
+    if (!isAmong(words, "convert")) {
+        return command;
+    }
     command->footer(std::string(convertFooter));
     command->add_option("--from", arguments.from, "Format of the sources, whatever their names")
         ->option_text("gpx|calls|nmea")
@@ -296,8 +307,11 @@ CLI::App *addConvert(CLI::App &app, Arguments &arguments) {
     return command;
 }
 
-CLI::App *addInfo(CLI::App &app, Arguments &arguments) {
+CLI::App *addInfo(CLI::App &app, Arguments &arguments, const Words &words) {
     CLI::App *command = app.add_subcommand("info", "Show what GPX files hold");
+    if (!isAmong(words, "info")) {
+        return command;
+    }
     command->footer(std::string(infoFooter));
     addFlag(*command, "--json", arguments.json, "One JSON object a file, each on a line");
     addFlag(*command, "-v,--verbose", arguments.verbose,
@@ -309,9 +323,12 @@ CLI::App *addInfo(CLI::App &app, Arguments &arguments) {
     return command;
 }
 
-CLI::App *addStorage(CLI::App &app, Arguments &arguments, const char *name,
+CLI::App *addStorage(CLI::App &app, Arguments &arguments, const Words &words, const char *name,
                      const char *description) {
     CLI::App *command = app.add_subcommand(name, description);
+    if (!isAmong(words, name)) {
+        return command;
+    }
     command->footer(
         std::string(name == std::string_view("authorize") ? authorizeFooter : authorizedFooter));
     addFlag(*command, "-v,--verbose", arguments.verbose,
@@ -373,14 +390,15 @@ Command parseCommandLine(int argc, const char *const *argv) {
     app.set_help_flag("-h,--help", "Print this help and exit");
     app.footer(std::string(programFooter));
     app.require_subcommand(1);
-    const CLI::App *convert = addConvert(app, arguments);
-    const CLI::App *info = addInfo(app, arguments);
-    addStorage(app, arguments, "authorize", "Ask for access to a folder");
+    const Words words(argv, static_cast<std::size_t>(std::max(argc, 0)));
+    const CLI::App *convert = addConvert(app, arguments, words);
+    const CLI::App *info = addInfo(app, arguments, words);
+    addStorage(app, arguments, words, "authorize", "Ask for access to a folder");
     const CLI::App *authorized =
-        addStorage(app, arguments, "authorized", "Show the folder that was granted");
+        addStorage(app, arguments, words, "authorized", "Show the folder that was granted");
     try {
         app.parse(argc, argv);
-        refuseNumbers(arguments.files, argc, argv);
+        refuseNumbers(arguments.files, words);
         return *convert ? Command(convertOptions(arguments))
                : *info  ? Command(infoOptions(arguments))
                         : Command(storageOptions(arguments, static_cast<bool>(*authorized)));

@@ -30,7 +30,13 @@ FileSurvey::FileSurvey()
       trkpt_(number("trkpt")),
       time_(number("time")),
       lat_(number("lat")),
-      lon_(number("lon")) {}
+      lon_(number("lon")) {
+    for (std::size_t name = 0; name <= names_.size(); ++name) {
+        XMLElement element;
+        element.nameNumber = static_cast<std::uint16_t>(name);
+        isCounted_.push_back(counter_->interestIn(element) != XMLInterest::nothing);
+    }
+}
 
 /// The number of a name in the vocabulary, to which it is added when it is not there.
 std::uint16_t FileSurvey::number(std::string_view name) {
@@ -59,7 +65,9 @@ bool FileSurvey::isPoint(const XMLElement &element) const noexcept {
 void FileSurvey::didStartElement(XMLParser &parser, const XMLElement &element,
                                  const XMLAttributes &attributes) {
     ++depth_;
-    counter_->didStartElement(parser, element, attributes);
+    if (isCounted_[element.nameNumber]) {
+        counter_->didStartElement(parser, element, attributes);
+    }
     if (isPoint(element)) {
         pointDepth_ = depth_;
         trackPoints_ += element.nameNumber == trkpt_ ? 1 : 0;

@@ -60,6 +60,7 @@ class FileSurvey : public XMLParserDelegate {
 
     std::shared_ptr<GPXImportCounter> counter_;
     std::vector<std::string_view> names_; ///< those of the counter, then those it does not have
+    std::vector<bool> isCounted_; ///< by the number of a name: the counter wants to know of it
     std::uint16_t wpt_;
     std::uint16_t rtept_;
     std::uint16_t trkpt_;

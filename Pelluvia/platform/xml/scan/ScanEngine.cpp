@@ -68,37 +68,8 @@ Position ScanEngine::position() {
     return lines_->at(window_.offset(place_));
 }
 
-inline bool ScanEngine::seesAhead() const noexcept {
-    return window_.holds(static_cast<std::size_t>(lookAhead_)) || window_.atEnd();
-}
-
-inline void ScanEngine::seeAhead() {
-    if (!seesAhead()) {
-        window_.more();
-    }
-}
-
-// The events, of which there are many: in front, so that they become one with what reports them.
-
-inline bool ScanEngine::tellStart(const Element &element, std::span<const Declaration> declarations,
-                                  std::span<const XMLAttribute> attributes) {
-    for (const Declaration &each : declarations) {
-        delegate_.didStartMappingPrefix(parser_, each.prefix, each.uri);
-        if (aborted_) {
-            return false;
-        }
-    }
-    delegate_.didStartElement(parser_, element.name, XMLAttributes(attributes));
-    return !aborted_;
-}
-
-inline bool ScanEngine::tellEnd(const Element &element) {
-    delegate_.didEndElement(parser_, element.name);
-    return !aborted_;
-}
-
-inline bool ScanEngine::reportStart(const Element &element,
-                                    std::span<const XMLAttribute> attributes, const char *place) {
+bool ScanEngine::reportStart(const Element &element, std::span<const XMLAttribute> attributes,
+                             const char *place) {
     textSize_ = 0;
     reported_ = {.tags = reported_.tags + 1};
     if (element.interest == XMLInterest::nothing) {
@@ -109,7 +80,7 @@ inline bool ScanEngine::reportStart(const Element &element,
     return tellStart(element, declarations.first(namesOnly_ ? 0 : declarations.size()), attributes);
 }
 
-inline bool ScanEngine::reportEnd(const Element &element, const char *place) {
+bool ScanEngine::reportEnd(const Element &element, const char *place) {
     if (namesOnly_) {
         return true;
     }
@@ -118,42 +89,14 @@ inline bool ScanEngine::reportEnd(const Element &element, const char *place) {
     return element.interest == XMLInterest::nothing || tellEnd(element);
 }
 
-inline bool ScanEngine::reportText(std::string_view text, const char *place) {
-    textSize_ += text.size();
-    if (textSize_ > longestText) {
-        return false;
-    }
+bool ScanEngine::reportText(std::string_view text, const char *place) {
     reported_.text += text.size();
-    place_ = place;
-    delegate_.foundCharacters(parser_, text);
-    return !aborted_;
+    return tellText(text, place);
 }
 
-inline bool ScanEngine::reportPhrase(const Phrase &phrase, const char *at, const char *end) {
-    if (phrase.blankSize != 0 && !reportText({at, phrase.blankSize}, at + phrase.blankSize)) {
-        return false;
-    }
-    for (const Phrase::Event &event : phrase.events) {
-        place_ = Phrase::placeOf(event, at, end);
-        if (!(event.isStart ? tellStart(*event.element, Phrase::declarationsOf(event),
-                                        phrase.attributesOf(event))
-                            : tellEnd(*event.element))) {
-            return false;
-        }
-    }
-    textSize_ = phrase.hasStart ? 0 : textSize_;
-    reported_.tags += phrase.tags;
-    reported_.text = 0;
-    return true;
-}
-
-inline const char *ScanEngine::endOfPlainText(const char *at) const noexcept {
-    return isWellFormed_ ? findMarkup(at) : skipText(at);
-}
-
-inline const char *ScanEngine::endOfText(const char *at) const noexcept {
+const char *ScanEngine::endOfText(const char *at) const noexcept {
     while (true) {
-        at = endOfPlainText(at);
+        at = isWellFormed_ ? findMarkup(at) : skipText(at);
         const char *const next = *at == '<' ? at : skipSpecial(at, window_.end());
         if (next == at) {
             return at;
@@ -221,52 +164,6 @@ bool ScanEngine::readContent() {
             return false;
         }
     }
-    return true;
-}
-
-/// Known tags and plain texts, as far as they follow one another in what can be seen: almost all of
-/// most documents.
-bool ScanEngine::readKnown() {
-    if (lastPhrase_ == nullptr || !seesAhead()) {
-        return true;
-    }
-    const char *at = window_.cursor();
-    const char *const windowEnd = window_.end();
-    const char *const lastBegin = windowEnd - (window_.atEnd() ? 0 : lookAhead_);
-    // Not in the member, which would be read again behind every event: each phrase waits for the
-    // one before it.
-    Phrase *last = lastPhrase_;
-    Phrase *before = nullptr; // the one that `last` has followed, and directly precedes the cursor
-    while (at <= lastBegin) {
-        const char *end = nullptr;
-        if (is(tagLead, *at)) {
-            Phrase *const known = memory_.follow(*last, at, end);
-            if (known == nullptr) {
-                break;
-            }
-            if (before != nullptr) {
-                memory_.meet(*before, *last, *known);
-            }
-            before = last;
-            last = known;
-            if (!reportPhrase(*known, at, end)) {
-                return false;
-            }
-        } else {
-            end = last->wantsText ? endOfPlainText(at) : endOfText(at);
-            if (*end != '<') {
-                break;
-            }
-            if (last->wantsText && !reportText({at, static_cast<std::size_t>(end - at)}, end)) {
-                return false;
-            }
-            before = nullptr;
-        }
-        at = end;
-    }
-    window_.moveTo(at);
-    lastPhrase_ = last;
-    open_ = last->inside;
     return true;
 }
 
@@ -406,18 +303,18 @@ bool ScanEngine::readCDATA() {
         return lookAgain(look);
     }
     window_.moveTo(after);
-    return !wantsText() || reportText(text, after);
+    return countText(text.size()) && (!wantsText() || reportText(text, after));
 }
 
 bool ScanEngine::lookAgain(Look look) {
     return look == Look::cutOff && window_.more();
 }
 
-/// Reports what is between the cursor and `end`, and moves there.
+/// Reports what is between the cursor and `end`, if it is wanted, and moves there.
 bool ScanEngine::reportTextTo(const char *end) {
     const std::string_view text(window_.cursor(), static_cast<std::size_t>(end - window_.cursor()));
     window_.moveTo(end);
-    return text.empty() || !wantsText() || reportText(text, end);
+    return countText(text.size()) && (text.empty() || !wantsText() || reportText(text, end));
 }
 
 void ScanEngine::forgetIfFull() {

@@ -70,10 +70,10 @@ class ScanEngine final : public Engine {
     // The steps through the content. A step that cannot see enough moves the window and takes
     // nothing: it is then taken again.
     [[nodiscard]] bool readKnown();
+    template <Document document>
+    [[nodiscard]] bool readKnownOf();
     [[nodiscard]] bool readUnknown();
     [[nodiscard]] bool readText();
-    /// The end of the plain text at `at`.
-    [[nodiscard]] const char *endOfPlainText(const char *at) const noexcept;
     /// The end of the text at `at`: the next tag or aside, or what may not stand there, or cannot
     /// be seen as a whole.
     [[nodiscard]] const char *endOfText(const char *at) const noexcept;
@@ -84,16 +84,22 @@ class ScanEngine final : public Engine {
     /// What follows from a look that was not complete.
     [[nodiscard]] bool lookAgain(Look look);
 
-    // Events. All return false when the delegate has aborted.
-    [[nodiscard]] bool reportPhrase(const Phrase &phrase, const char *at, const char *end);
-    [[nodiscard]] bool reportStart(const Element &element, std::span<const XMLAttribute> attributes,
-                                   const char *place);
-    [[nodiscard]] bool reportEnd(const Element &element, const char *place);
+    // Events, for the delegate. All return false when it has aborted.
     [[nodiscard]] bool tellStart(const Element &element, std::span<const Declaration> declarations,
                                  std::span<const XMLAttribute> attributes);
     [[nodiscard]] bool tellEnd(const Element &element);
+    [[nodiscard]] bool tellText(std::string_view text, const char *place);
+    [[nodiscard]] bool tellPhrase(const Phrase &phrase, const char *at, const char *end);
+
+    // The same, if it is interested, and with count of what was reported.
+    [[nodiscard]] bool reportStart(const Element &element, std::span<const XMLAttribute> attributes,
+                                   const char *place);
+    [[nodiscard]] bool reportEnd(const Element &element, const char *place);
     /// Whether the text at the cursor is reported.
     [[nodiscard]] bool wantsText() const noexcept { return open_ != nullptr && open_->wantsText; }
+    /// Whether the text since an element started, with what is added, is not too long. Text that is
+    /// not reported counts, too: a later parse may want it.
+    [[nodiscard]] bool countText(std::size_t size) noexcept;
     [[nodiscard]] bool reportReferencesTo(const char *end);
     [[nodiscard]] bool reportTextTo(const char *end);
     [[nodiscard]] bool reportText(std::string_view text, const char *place);
@@ -128,5 +134,45 @@ class ScanEngine final : public Engine {
     const char *place_;                  ///< of the last event, in the window
     std::unique_ptr<LineCounter> lines_; ///< once somebody has asked for a position
 };
+
+// What happens for every tag of a document.
+
+inline bool ScanEngine::seesAhead() const noexcept {
+    return window_.holds(static_cast<std::size_t>(lookAhead_)) || window_.atEnd();
+}
+
+inline void ScanEngine::seeAhead() {
+    if (!seesAhead()) {
+        window_.more();
+    }
+}
+
+inline bool ScanEngine::tellStart(const Element &element, std::span<const Declaration> declarations,
+                                  std::span<const XMLAttribute> attributes) {
+    for (const Declaration &each : declarations) {
+        delegate_.didStartMappingPrefix(parser_, each.prefix, each.uri);
+        if (aborted_) {
+            return false;
+        }
+    }
+    delegate_.didStartElement(parser_, element.name, XMLAttributes(attributes));
+    return !aborted_;
+}
+
+inline bool ScanEngine::tellEnd(const Element &element) {
+    delegate_.didEndElement(parser_, element.name);
+    return !aborted_;
+}
+
+inline bool ScanEngine::countText(std::size_t size) noexcept {
+    textSize_ += size;
+    return isWellFormed_ || textSize_ <= longestText;
+}
+
+inline bool ScanEngine::tellText(std::string_view text, const char *place) {
+    place_ = place;
+    delegate_.foundCharacters(parser_, text);
+    return !aborted_;
+}
 
 } // namespace pelluvia::xml::scan
