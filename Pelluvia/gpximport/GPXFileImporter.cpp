@@ -264,11 +264,13 @@ XMLVocabulary GPXFileImporter::vocabulary() const {
     return gpxVocabulary::vocabulary;
 }
 
-XMLInterest GPXFileImporter::interestIn(const XMLElement &element) const {
-    const gpxVocabulary::Namespace space = gpxVocabulary::namespaceOf(element);
-    const gpxVocabulary::Name local = gpxVocabulary::nameOf(element);
-    return leavesOut && isForOtherPoints(space, local, mode) ? XMLInterest::nothing
-                                                             : pelluvia::interestIn(space, local);
+XMLInterest GPXFileImporter::interestIn(const XMLElement &element,
+                                        std::span<const XMLElement> around) const {
+    if (leavesOut && isForOtherPoints(element, around, mode)) {
+        return XMLInterest::nothing;
+    }
+    return pelluvia::interestIn(gpxVocabulary::namespaceOf(element),
+                                gpxVocabulary::nameOf(element));
 }
 
 bool GPXFileImporter::sends(std::int32_t kind) const noexcept {

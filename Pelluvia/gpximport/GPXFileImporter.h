@@ -16,6 +16,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -107,7 +108,8 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
 
     // The parser's side.
     [[nodiscard]] XMLVocabulary vocabulary() const override;
-    [[nodiscard]] XMLInterest interestIn(const XMLElement &element) const override;
+    [[nodiscard]] XMLInterest interestIn(const XMLElement &element,
+                                         std::span<const XMLElement> around) const override;
     void didStartElement(XMLParser &parser, const XMLElement &element,
                          const XMLAttributes &attributes) override;
     void didEndElement(XMLParser &parser, const XMLElement &element) override;
@@ -148,7 +150,7 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     void startTrkpt(XMLParser &parser, const XMLAttributes &attributes);
     void startEle(XMLParser &parser);
     void startLink(const XMLAttributes &attributes);
-    void readPosition(const XMLAttributes &attributes) noexcept;
+    void readPosition(const XMLAttributes &attributes, std::int32_t kind) noexcept;
 
     // Ends of elements. The first two tell whether the name belongs to the dialect.
     bool endGarminExtension(const XMLElement &element) noexcept;

@@ -1,6 +1,7 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
+#include <Pelluvia/model/TransferKind.h>
 
 /// \file
 /// The importer at the start of elements: flags, attributes, and the tests of nesting.
@@ -142,7 +143,7 @@ void GPXFileImporter::startGPX(XMLParser &parser, const XMLElement &element,
     switch (nameOf(element)) {
     case Name::Wpt:
         clearPoint();
-        readPosition(attributes);
+        readPosition(attributes, transferKind::waypoints);
         inWaypoint = true;
         return;
     case Name::Rte:
@@ -197,7 +198,7 @@ void GPXFileImporter::startRtept(XMLParser &parser, const XMLAttributes &attribu
     if (!inRoute) {
         return abortParser(parser, "rtept outside of route");
     }
-    readPosition(attributes);
+    readPosition(attributes, transferKind::routes);
     inRoutePoint = true;
 }
 
@@ -217,7 +218,7 @@ void GPXFileImporter::startTrkpt(XMLParser &parser, const XMLAttributes &attribu
     if (inTrkPt) {
         return abortParser(parser, "trkpt found while in track point already");
     }
-    readPosition(attributes);
+    readPosition(attributes, transferKind::tracks);
     inTrkPt = true;
 }
 
@@ -240,7 +241,11 @@ void GPXFileImporter::startLink(const XMLAttributes &attributes) {
     inLink = true;
 }
 
-void GPXFileImporter::readPosition(const XMLAttributes &attributes) noexcept {
+void GPXFileImporter::readPosition(const XMLAttributes &attributes, std::int32_t kind) noexcept {
+    const bool isInPoint = inWaypoint || inRoutePoint || inTrkPt;
+    if (leavesOut && kind != mode && !isInPoint) {
+        return;
+    }
     const auto latitude = attribute(attributes, Name::Lat);
     const auto longitude = attribute(attributes, Name::Lon);
     if (latitude && longitude) {

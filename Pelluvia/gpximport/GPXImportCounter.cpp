@@ -32,7 +32,8 @@ XMLVocabulary GPXImportCounter::vocabulary() const {
     return gpxVocabulary::vocabulary;
 }
 
-XMLInterest GPXImportCounter::interestIn(const XMLElement &element) const {
+XMLInterest GPXImportCounter::interestIn(const XMLElement &element,
+                                         std::span<const XMLElement> /*around*/) const {
     using gpxVocabulary::Name;
     switch (gpxVocabulary::nameOf(element)) {
     case Name::Wpt:

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 
 namespace pelluvia {
 
@@ -66,7 +67,8 @@ class PELLUVIA_EXPORT GPXImportCounter : public XMLParserDelegate {
 
     // The parser's side: nothing but the names that count is asked for.
     [[nodiscard]] XMLVocabulary vocabulary() const override;
-    [[nodiscard]] XMLInterest interestIn(const XMLElement &element) const override;
+    [[nodiscard]] XMLInterest interestIn(const XMLElement &element,
+                                         std::span<const XMLElement> around) const override;
     [[nodiscard]] bool wantsElementNamesOnly() const override { return true; }
     void didStartElement(XMLParser &parser, const XMLElement &element,
                          const XMLAttributes &attributes) override;

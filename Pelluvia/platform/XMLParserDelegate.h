@@ -115,9 +115,11 @@ class PELLUVIA_EXPORT XMLParserDelegate {
     /// always the same.
     [[nodiscard]] virtual bool wantsElementNamesOnly() const { return false; }
 
-    /// How much of the element is wanted; what is not is not reported. The answer may depend on
-    /// nothing but the names: it is asked now and then, not for every element.
-    [[nodiscard]] virtual XMLInterest interestIn(const XMLElement & /*element*/) const {
+    /// How much of the element is wanted; what is not is not reported. `around` are the elements
+    /// that it stands in, the root first. The answer may depend on nothing but these names: it is
+    /// asked now and then, not for every element.
+    [[nodiscard]] virtual XMLInterest interestIn(const XMLElement & /*element*/,
+                                                 std::span<const XMLElement> /*around*/) const {
         return XMLInterest::all;
     }
 

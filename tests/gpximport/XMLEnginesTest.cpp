@@ -108,6 +108,18 @@ TEST_F(XMLEngines, LeaveTheSameOver) {
         "<trk><trkseg><trkpt lat='1' lon='2'/></trkseg></trk><metadata>" + texts + track + cache +
             "</metadata>",
         track + cache,
+        // Points within points.
+        "<rte><rtept lat='8' lon='9'><trkseg><trkpt" + point + "</trkpt></trkseg></rtept></rte>",
+        "<wpt lat='8' lon='9'><trkseg><trkpt" + point + "</trkpt></trkseg></wpt>",
+        "<wpt lat='8' lon='9'><rte><rtept" + point + "</rtept></rte></wpt>",
+        "<trk><trkseg><trkpt lat='8' lon='9'><wpt" + point + "</wpt></trkpt></trkseg></trk>",
+        "<rte><trk><trkseg><trkpt lat='8' lon='9'><rtept" + point +
+            "</rtept><ele>5</ele></trkpt></trkseg></trk></rte>",
+        "<rte><rtept lat='8' lon='9'><wpt" + point + "</wpt><sym>t</sym></rtept></rte>",
+        // One after the other.
+        "<wpt" + point + "</wpt><rte><rtept lat='8' lon='9'/></rte>",
+        "<trk><trkseg><trkpt" + point + "</trkpt></trkseg></trk><rte><rtept/></rte><wpt/>" +
+            "<trk><trkseg/></trk>",
         // Aborts, each in the middle of something.
         "<trk><trkseg><trkpt" + point + "<trkpt/></trkpt></trkseg></trk>",
         "<trk><trkseg><trkpt" + point + "</trkpt><trkseg/></trkseg></trk>",

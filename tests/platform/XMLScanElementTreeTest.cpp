@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <gtest/gtest.h>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -213,11 +214,18 @@ TEST_F(ScanElementTree, AsksForTheInterestInEachElement) {
       public:
         bool namesOnly = false;
         [[nodiscard]] bool wantsElementNamesOnly() const override { return namesOnly; }
-        [[nodiscard]] XMLInterest interestIn(const XMLElement &element) const override {
+        [[nodiscard]] XMLInterest interestIn(const XMLElement &element,
+                                             std::span<const XMLElement> around) const override {
+            places.append("/");
+            for (const XMLElement &each : around) {
+                places.append(each.localName).append("/");
+            }
+            places.append(element.localName).append(" ");
             return element.localName == "desc"  ? XMLInterest::all
                    : element.localName == "wpt" ? XMLInterest::tags
                                                 : XMLInterest::nothing;
         }
+        mutable std::string places;
     };
     for (const bool namesOnly : {false, true}) {
         Delegate delegate;
@@ -237,6 +245,7 @@ TEST_F(ScanElementTree, AsksForTheInterestInEachElement) {
         EXPECT_EQ(child(wanted, "b")->interest, XMLInterest::all) << "as in all within";
         EXPECT_EQ(child(root, "b")->interest, XMLInterest::nothing);
         EXPECT_EQ(child(child(root, "b"), "desc")->interest, XMLInterest::all) << "asked again";
+        EXPECT_EQ(delegate.places, "/wpt /wpt/desc /wpt/b /wpt/b/desc ");
     }
 }
 

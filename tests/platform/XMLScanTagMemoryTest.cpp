@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <gtest/gtest.h>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -85,7 +86,9 @@ class ScanTagMemory : public ::testing::Test {
     Vocabulary vocabulary{{.names = names, .namespaces = {}}};
     struct Delegate final : XMLParserDelegate {
         XMLInterest interest = XMLInterest::all;
-        [[nodiscard]] XMLInterest interestIn(const XMLElement & /*element*/) const override {
+        [[nodiscard]] XMLInterest
+        interestIn(const XMLElement & /*element*/,
+                   std::span<const XMLElement> /*around*/) const override {
             return interest;
         }
     } delegate;

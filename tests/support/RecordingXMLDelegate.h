@@ -3,6 +3,7 @@
 #include <Pelluvia/platform/XMLParser.h>
 
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -28,7 +29,8 @@ class RecordingXMLDelegate : public XMLParserDelegate {
     /// Answers of the delegate.
     XMLVocabulary names;
     bool namesOnly = false;
-    std::function<XMLInterest(const XMLElement &element)> interest; ///< none: in all
+    std::function<XMLInterest(const XMLElement &element, std::span<const XMLElement> around)>
+        interest; ///< none: in all
 
     /// The events, one a line.
     [[nodiscard]] std::string text() const {
@@ -43,8 +45,9 @@ class RecordingXMLDelegate : public XMLParserDelegate {
 
     [[nodiscard]] XMLVocabulary vocabulary() const override { return names; }
     [[nodiscard]] bool wantsElementNamesOnly() const override { return namesOnly; }
-    [[nodiscard]] XMLInterest interestIn(const XMLElement &element) const override {
-        return interest ? interest(element) : XMLInterest::all;
+    [[nodiscard]] XMLInterest interestIn(const XMLElement &element,
+                                         std::span<const XMLElement> around) const override {
+        return interest ? interest(element, around) : XMLInterest::all;
     }
 
     void didStartElement(XMLParser &parser, const XMLElement &element,

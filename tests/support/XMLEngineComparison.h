@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <tests/support/RecordingXMLDelegate.h>
@@ -54,13 +55,16 @@ class XMLEngineComparison {
     static constexpr std::array<std::string_view, 2> namespaces = {
         "http://www.topografix.com/GPX/1/1", "u"};
 
-    /// Something of each, for short names and for those of GPX.
-    static XMLInterest someInterest(const XMLElement &element) {
+    /// Something of each, by names and places.
+    static XMLInterest someInterest(const XMLElement &element, std::span<const XMLElement> around) {
         constexpr std::array interests = {XMLInterest::tags, XMLInterest::nothing, XMLInterest::all,
                                           XMLInterest::nothing};
         std::size_t sum = element.namespaceURI.size();
         for (const char c : element.localName) {
             sum += static_cast<unsigned char>(c);
+        }
+        for (const XMLElement &each : around) {
+            sum = 3 * sum + each.localName.size() + each.namespaceURI.size();
         }
         return interests[sum % interests.size()];
     }

@@ -34,7 +34,7 @@ FileSurvey::FileSurvey()
     for (std::size_t name = 0; name <= names_.size(); ++name) {
         XMLElement element;
         element.nameNumber = static_cast<std::uint16_t>(name);
-        isCounted_.push_back(counter_->interestIn(element) != XMLInterest::nothing);
+        isCounted_.push_back(counter_->interestIn(element, {}) != XMLInterest::nothing);
     }
 }
 
@@ -52,9 +52,13 @@ XMLVocabulary FileSurvey::vocabulary() const {
     return {.names = names_, .namespaces = counter_->vocabulary().namespaces};
 }
 
-/// Depths are counted, so that the tags of all elements are wanted.
-XMLInterest FileSurvey::interestIn(const XMLElement &element) const {
-    return element.nameNumber == time_ ? XMLInterest::all : XMLInterest::tags;
+XMLInterest FileSurvey::interestIn(const XMLElement &element,
+                                   std::span<const XMLElement> around) const {
+    if (element.nameNumber == time_ && !around.empty() && isPoint(around.back())) {
+        return XMLInterest::all;
+    }
+    return isPoint(element) || isCounted_[element.nameNumber] ? XMLInterest::tags
+                                                              : XMLInterest::nothing;
 }
 
 bool FileSurvey::isPoint(const XMLElement &element) const noexcept {
@@ -64,32 +68,29 @@ bool FileSurvey::isPoint(const XMLElement &element) const noexcept {
 
 void FileSurvey::didStartElement(XMLParser &parser, const XMLElement &element,
                                  const XMLAttributes &attributes) {
-    ++depth_;
     if (isCounted_[element.nameNumber]) {
         counter_->didStartElement(parser, element, attributes);
     }
+    if (timeDepth_ != 0) {
+        ++timeDepth_;
+    } else if (element.nameNumber == time_) {
+        timeDepth_ = 1;
+        timeText_.clear();
+    }
     if (isPoint(element)) {
-        pointDepth_ = depth_;
         trackPoints_ += element.nameNumber == trkpt_ ? 1 : 0;
         addPosition(attributes);
-    } else if (element.nameNumber == time_ && pointDepth_ != 0 && depth_ == pointDepth_ + 1) {
-        inTime_ = true;
-        timeText_.clear();
     }
 }
 
 void FileSurvey::didEndElement(XMLParser & /*parser*/, const XMLElement & /*element*/) {
-    if (inTime_ && depth_ == pointDepth_ + 1) {
-        inTime_ = false;
+    if (timeDepth_ != 0 && --timeDepth_ == 0) {
         addTime();
-    } else if (depth_ == pointDepth_) {
-        pointDepth_ = 0;
     }
-    --depth_;
 }
 
 void FileSurvey::foundCharacters(XMLParser & /*parser*/, std::string_view characters) {
-    if (inTime_ && timeText_.size() < longestTime) {
+    if (timeText_.size() < longestTime) {
         timeText_ += characters.substr(0, longestTime - timeText_.size());
     }
 }

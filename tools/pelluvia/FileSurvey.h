@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,7 +47,8 @@ class FileSurvey : public XMLParserDelegate {
 
     // The parser's side.
     [[nodiscard]] XMLVocabulary vocabulary() const override;
-    [[nodiscard]] XMLInterest interestIn(const XMLElement &element) const override;
+    [[nodiscard]] XMLInterest interestIn(const XMLElement &element,
+                                         std::span<const XMLElement> around) const override;
     void didStartElement(XMLParser &parser, const XMLElement &element,
                          const XMLAttributes &attributes) override;
     void didEndElement(XMLParser &parser, const XMLElement &element) override;
@@ -68,9 +70,7 @@ class FileSurvey : public XMLParserDelegate {
     std::uint16_t lat_;
     std::uint16_t lon_;
 
-    std::size_t depth_ = 0;      ///< of open elements
-    std::size_t pointDepth_ = 0; ///< of the open point; 0 for none
-    bool inTime_ = false;
+    std::size_t timeDepth_ = 0; ///< of open elements, from the time of a point on
     std::string timeText_;
     ISO8601Day day_; ///< of the last time
 

@@ -3,7 +3,9 @@
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 #include <Pelluvia/model/TransferKind.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <span>
 
 /// \file
 /// Which elements mean something to the importer. What it does at their tags shows here: an element
@@ -88,15 +90,43 @@ namespace pelluvia {
     }
 }
 
+/// No kind of transfer.
+inline constexpr std::int32_t noPoint = 0;
+
+/// The kind of transfer that the element is a point of, or `noPoint`.
+[[nodiscard]] constexpr std::int32_t kindOfPoint(const XMLElement &element) noexcept {
+    using gpxVocabulary::Name;
+    switch (gpxVocabulary::nameOf(element)) {
+    case Name::Rtept:
+        return transferKind::routes;
+    case Name::Wpt:
+        return transferKind::waypoints;
+    case Name::Trkpt:
+        return transferKind::tracks;
+    default:
+        return noPoint;
+    }
+}
+
+/// Whether it stands directly in a point of another kind, which stands in no point.
+[[nodiscard]] inline bool isInOtherPoint(std::span<const XMLElement> around,
+                                         std::int32_t kind) noexcept {
+    const auto isPoint = [](const XMLElement &each) { return kindOfPoint(each) != noPoint; };
+    const auto first = std::find_if(around.begin(), around.end(), isPoint);
+    return !around.empty() && first == around.end() - 1 && kindOfPoint(*first) != kind;
+}
+
 /// Whether the text of an element goes only into points of other kinds than this one (see
-/// TransferKind.h), and only into the point that the element stands in. (A geocache's owner goes
-/// into the next waypoint, whatever lies between.)
-[[nodiscard]] constexpr bool isForOtherPoints(gpxVocabulary::Namespace space,
-                                              gpxVocabulary::Name name,
-                                              std::int32_t kind) noexcept {
+/// TransferKind.h), and only into the point that the element stands in. A geocache's owner does
+/// not, but into the next waypoint, whatever lies between; nor do name, number and description,
+/// which may become those of the next track or route.
+[[nodiscard]] inline bool isForOtherPoints(const XMLElement &element,
+                                           std::span<const XMLElement> around,
+                                           std::int32_t kind) noexcept {
     using gpxVocabulary::Name;
     using gpxVocabulary::Namespace;
-    switch (name) {
+    const Namespace space = gpxVocabulary::namespaceOf(element);
+    switch (gpxVocabulary::nameOf(element)) {
     case Name::Hr:
         return (space == Namespace::GarminTrackPoint || space == Namespace::GPXData) &&
                kind != transferKind::tracks;
@@ -114,12 +144,18 @@ namespace pelluvia {
     case Name::GarminProximity:
         return space == Namespace::GarminExtensions && kind != transferKind::waypoints;
     case Name::Name:
-        return space == Namespace::Geocache && kind != transferKind::waypoints;
     case Name::Terrain:
     case Name::Difficulty:
     case Name::Type:
     case Name::EncodedHints:
         return space == Namespace::Geocache && kind != transferKind::waypoints;
+    case Name::Ele: // which is no error in a point
+    case Name::Time:
+    case Name::Cmt:
+    case Name::Sym:
+    case Name::Url:
+    case Name::Urlname:
+        return isInOtherPoint(around, kind);
     default:
         return false;
     }

@@ -55,7 +55,8 @@ inline void Sax2Engine::startElement(const xmlParserCtxt &context, const xmlChar
     fill(element, localName, prefix, uri);
     const bool isWithinAll = depth_ > 1 && interests_[depth_ - 2] == XMLInterest::all;
     XMLInterest &interest = interests_[depth_ - 1];
-    interest = isWithinAll ? XMLInterest::all : delegate_.interestIn(element);
+    interest =
+        isWithinAll ? XMLInterest::all : delegate_.interestIn(element, {open_.data(), depth_ - 1});
     if (wasReported() || interest == XMLInterest::nothing) {
         return;
     }

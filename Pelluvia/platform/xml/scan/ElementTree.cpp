@@ -80,7 +80,6 @@ Element *ElementTree::child(Element *parent, const StartTag &tag) {
         return nullptr;
     }
     auto element = make(parent, tag);
-    element->depth = depth;
     element->declared = declared;
     textSize_ += element->text.size();
     const Key key = {parent, element->text};
@@ -90,6 +89,7 @@ Element *ElementTree::child(Element *parent, const StartTag &tag) {
 std::unique_ptr<Element> ElementTree::make(Element *parent, const StartTag &tag) const {
     auto element = std::make_unique<Element>();
     element->parent = parent;
+    element->depth = parent != nullptr ? parent->depth + 1 : 1;
     writeText(tag, element->text);
     const std::string_view text = element->text;
     element->qualifiedName = text.substr(0, tag.name.whole.size());
@@ -107,10 +107,22 @@ std::unique_ptr<Element> ElementTree::make(Element *parent, const StartTag &tag)
     name.namespaceURI = uriOf(name.prefix, element.get());
     name.nameNumber = vocabulary_.name(name.localName);
     name.namespaceNumber = vocabulary_.uri(name.namespaceURI);
-    const bool isWithinAll = parent != nullptr && parent->interest == XMLInterest::all;
-    element->interest = isWithinAll ? XMLInterest::all : delegate_.interestIn(name);
+    element->interest = interestIn(*element);
     element->wantsText = hasText_ && element->interest == XMLInterest::all;
     return element;
+}
+
+XMLInterest ElementTree::interestIn(const Element &element) const {
+    const Element *const parent = element.parent;
+    if (parent != nullptr && parent->interest == XMLInterest::all) {
+        return XMLInterest::all;
+    }
+    std::vector<XMLElement> around(element.depth - 1);
+    auto place = around.rbegin();
+    for (const Element *each = parent; each != nullptr; each = each->parent) {
+        *place++ = each->name;
+    }
+    return delegate_.interestIn(element.name, around);
 }
 
 bool ElementTree::isFull() const noexcept {

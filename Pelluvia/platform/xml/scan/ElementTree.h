@@ -72,6 +72,7 @@ class ElementTree {
         [[nodiscard]] std::size_t operator()(const Key &key) const;
     };
 
+    [[nodiscard]] XMLInterest interestIn(const Element &element) const;
     [[nodiscard]] std::unique_ptr<Element> make(Element *parent, const StartTag &tag) const;
 
     const Vocabulary &vocabulary_;
