@@ -39,7 +39,7 @@ class RuleChecker : public GPSOutputReceiver {
         require((result != nullptr) == hasFailed_, "a failed import told the receiver so");
         require(hasFailed_ || transfers_ == 3, "a good import makes three transfers");
         transfers_ = 0;
-        hasTrack_ = hasFailed_ = false;
+        hasFailed_ = false; // whether there was a track is left over
     }
     /// A number that differs when the calls differ.
     [[nodiscard]] std::uint64_t digest() const noexcept { return digest_; }

@@ -119,11 +119,17 @@ ErrorPtr GPXFileImporter::processFile(std::string_view filePath) {
 }
 
 ErrorPtr GPXFileImporter::processURL(const std::optional<URL> & /*url*/) {
+    /// What is known is of one import, even if the receiver throws.
+    struct Forgetting {
+        GPXFileImporter &importer;
+        ~Forgetting() {
+            importer.leavesOut = false;
+            importer.countedFile = {};
+        }
+    };
+    const Forgetting atTheEnd{*this};
     countElements();
-    ErrorPtr error = runParsers();
-    leavesOut = false;
-    countedFile = {};
-    return error;
+    return runParsers();
 }
 
 ErrorPtr GPXFileImporter::runParsers() {
@@ -163,14 +169,26 @@ ErrorPtr GPXFileImporter::runPass(std::int32_t kind) {
 /// What the last pass leaves over, a later import may see: reads the file once more as that pass
 /// did, but completely, and for nobody.
 void GPXFileImporter::collectLeftOut(const Nesting &before) {
+    struct Unheard {
+        explicit Unheard(GPXFileImporter &itsImporter)
+            : importer(itsImporter),
+              receiver(std::exchange(importer.output, std::make_shared<NullReceiver>())),
+              error(importer.lastError) {}
+        Unheard(const Unheard &) = delete;
+        Unheard &operator=(const Unheard &) = delete;
+        ~Unheard() {
+            importer.output = std::move(receiver);
+            importer.lastError = std::move(error);
+        }
+        GPXFileImporter &importer;
+        std::shared_ptr<GPSOutputReceiver> receiver;
+        ErrorPtr error;
+    };
+    const Unheard unheard(*this);
     nesting() = before;
     leavesOut = false;
-    const auto receiver = std::exchange(output, std::make_shared<NullReceiver>());
-    const ErrorPtr error = lastError;
     const auto parser = parserOfFile();
     [[maybe_unused]] const bool isWhole = parser != nullptr && parser->parse();
-    lastError = error;
-    output = receiver;
 }
 
 std::tuple<bool &, bool &, bool &, bool &, bool &, bool &, bool &, bool &>

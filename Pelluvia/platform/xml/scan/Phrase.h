@@ -50,7 +50,7 @@ struct Phrase {
     bool hasStart = false;         ///< one of the tags starts an element
     /// Of the tag that has any; the values are those of the last text that matched.
     std::vector<XMLAttribute> attributes;
-    std::string names;         ///< what the attributes' names are views on
+    std::string names;         ///< of a single tag: what the attributes' names are views on
     Element *inside = nullptr; ///< the element that is open behind the phrase; null behind the root
     bool wantsText = false;    ///< text behind it is reported
     std::uint8_t blankSize = 0; ///< of the white space in front, if that is reported

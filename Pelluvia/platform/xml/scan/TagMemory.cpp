@@ -77,8 +77,8 @@ std::unique_ptr<Phrase> joinedOf(const Phrase &last, const Phrase &next) {
     if (!next.literals.empty()) {
         joined->literals = next.literals;
         joined->attributes = next.attributes;
-        joined->names = next.names;
     }
+    joined->names.clear(); // the views are on those of the tag, which stays
     joined->tags += next.tags;
     joined->hasStart = joined->hasStart || next.hasStart;
     joined->inside = next.inside;
