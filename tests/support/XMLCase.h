@@ -41,8 +41,10 @@ inline void expectVerdict(const std::string &text, XMLVerdict verdict) {
         } else if (windowSize == xml::scan::ScanEngine::usualWindowSize) {
             EXPECT_TRUE(comparison.isScanned()) << text;
         }
-        const XMLEngineComparison repeated(XMLEngineComparison::repeated(text), windowSize);
-        EXPECT_EQ(repeated.difference(), "") << text << "\nrepeated, window: " << windowSize;
+        if (text.size() < 1000) {
+            const XMLEngineComparison repeated(XMLEngineComparison::repeated(text), windowSize);
+            EXPECT_EQ(repeated.difference(), "") << text << "\nrepeated, window: " << windowSize;
+        }
     }
 }
 

@@ -2,6 +2,8 @@
 #include <Pelluvia/platform/xml/scan/Characters.h>
 #include <Pelluvia/platform/xml/scan/ScanEngine.h>
 
+#include <algorithm>
+
 /// \file
 /// The fast way through what came before: known phrases, and plain texts between them.
 
@@ -11,15 +13,12 @@ inline bool ScanEngine::tellPhrase(const Phrase &phrase, const char *at, const c
     if (phrase.blankSize != 0 && !reportText({at, phrase.blankSize}, at + phrase.blankSize)) {
         return false;
     }
-    for (const Phrase::Event &event : phrase.events) {
+    return std::all_of(phrase.events.begin(), phrase.events.end(), [&](const Phrase::Event &event) {
         place_ = Phrase::placeOf(event, at, end);
-        if (!(event.isStart ? tellStart(*event.element, Phrase::declarationsOf(event),
-                                        phrase.attributesOf(event))
-                            : tellEnd(*event.element))) {
-            return false;
-        }
-    }
-    return true;
+        return event.isStart ? tellStart(*event.element, Phrase::declarationsOf(event),
+                                         phrase.attributesOf(event))
+                             : tellEnd(*event.element);
+    });
 }
 
 bool ScanEngine::readKnown() {
