@@ -8,8 +8,8 @@ namespace pelluvia::xml {
 
 /// How much of a document a delegate was told.
 struct Reported {
-    /// Starts of elements and, unless the delegate wants names only, ends; also those that it is not
-    /// interested in.
+    /// Starts of elements and, unless the delegate wants names only, ends; also those that it is
+    /// not interested in.
     std::uint64_t tags = 0;
     /// Bytes of text since the last of them, of an element that it wants all of.
     std::uint64_t text = 0;

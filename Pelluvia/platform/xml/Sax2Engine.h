@@ -112,9 +112,9 @@ class Sax2Engine final : public Engine {
     std::optional<NameTable> namespaces_;
     const xmlChar *lastURI_ = nullptr; ///< of the element that started last
     NameTable::Name lastNamespace_;
-    std::array<XMLElement, xmlLimits::depth> open_;  ///< the elements that are open
+    std::array<XMLElement, xmlLimits::depth> open_;         ///< the elements that are open
     std::array<XMLInterest, xmlLimits::depth> interests_{}; ///< in the open elements
-    std::size_t depth_ = 0;                          ///< how many they are
+    std::size_t depth_ = 0;                                 ///< how many they are
     std::vector<XMLAttribute> attributes_; ///< room for those of one element; never shrinks
 
     std::size_t textSize_ = 0; ///< of the text since the last tag
