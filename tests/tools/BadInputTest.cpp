@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ostream>
 #include <string>
 #include <sys/stat.h>
 #include <vector>
@@ -103,6 +104,10 @@ struct BadFile {
     std::string content;
     const char *place;
 };
+
+void PrintTo(const BadFile &file, std::ostream *out) {
+    *out << file.name;
+}
 
 class BadFiles : public BadInput, public ::testing::WithParamInterface<BadFile> {};
 
@@ -251,6 +256,10 @@ struct BadTarget {
     std::string target;
     const char *reason;
 };
+
+void PrintTo(const BadTarget &target, std::ostream *out) {
+    *out << target.name;
+}
 
 class BadTargets : public BadInput, public ::testing::WithParamInterface<BadTarget> {};
 

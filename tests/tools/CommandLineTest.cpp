@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -210,6 +211,13 @@ struct Wrong {
     const char *reason;
     const char *usage;
 };
+
+void PrintTo(const Wrong &wrong, std::ostream *out) {
+    *out << "pelluvia";
+    for (const char *argument : wrong.arguments) {
+        *out << ' ' << ::testing::PrintToString(std::string(argument));
+    }
+}
 
 class WrongUsage : public ::testing::TestWithParam<Wrong> {};
 

@@ -3,9 +3,9 @@
 #include <tools/pelluvia/CommandTexts.h>
 #include <tools/pelluvia/CreatorText.h>
 #include <tools/pelluvia/ExitStatus.h>
+#include <tools/pelluvia/FileFormats.h>
 #include <tools/pelluvia/Messages.h>
 #include <tools/pelluvia/OptionValues.h>
-#include <tools/pelluvia/SourceFile.h>
 #include <tools/pelluvia/TargetFile.h>
 #include <tools/pelluvia/nmea/Driver.h>
 #include <tools/pelluvia/nmea/SerialPort.h>
@@ -63,70 +63,6 @@ std::string versionText() {
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(),
                                    PelluviaVersionNumber, std::chars_format::fixed, 1);
     return "pelluvia " + std::string(digits.data(), end.ptr);
-}
-
-std::string lowered(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return text;
-}
-
-/// How a format is called, and the endings of its files.
-struct FormatName {
-    std::string_view name;
-    Format format;
-    std::array<std::string_view, 2> endings;
-};
-constexpr std::array formatNames = {
-    FormatName{"gpx", Format::GPX, {".gpx", {}}},
-    FormatName{"calls", Format::Calls, {".jsonl", {}}},
-    FormatName{"nmea", Format::NMEA, {".nmea", ".log"}},
-};
-
-bool hasEnding(const std::string &path, const FormatName &format) {
-    const std::string name = lowered(path);
-    return std::any_of(format.endings.begin(), format.endings.end(), [&](std::string_view ending) {
-        return !ending.empty() && name.ends_with(ending);
-    });
-}
-
-/// The format that an option names, or, when it names none, the ending of the path; or nothing.
-std::optional<Format> namedFormat(const std::string &path, const std::string &chosen) {
-    if (chosen.empty() && path == "-") {
-        return Format::GPX;
-    }
-    for (const FormatName &each : formatNames) {
-        if (chosen.empty() ? hasEnding(path, each) : chosen == each.name) {
-            return each.format;
-        }
-    }
-    return std::nullopt;
-}
-
-CLI::ValidationError unknownEnding(const std::string &path, const std::string &option) {
-    return CLI::ValidationError(path,
-                                "the ending is none of .gpx, .jsonl, .nmea and .log; name the "
-                                "format with " +
-                                    option + " gpx, " + option + " calls or " + option + " nmea");
-}
-
-Format sourceFormat(const std::string &path, const std::string &chosen) {
-    if (const auto format = namedFormat(path, chosen)) {
-        return *format;
-    }
-    // That a source is missing, or a folder, says more than its ending; the run will find it out.
-    if (whyUnreadable(path)) {
-        return Format::GPX;
-    }
-    throw unknownEnding(path, "--from");
-}
-
-Format targetFormat(const std::string &path, const std::string &chosen) {
-    if (const auto format = namedFormat(path, chosen)) {
-        return *format;
-    }
-    throw unknownEnding(path, "--to");
 }
 
 /// What the options of receivers say.
@@ -230,6 +166,11 @@ bool isAmong(const Words &words, std::string_view name) {
     return std::find(words.begin(), words.end(), name) != words.end();
 }
 
+CLI::ValidationError noSuchOption(const std::string &word) {
+    return CLI::ValidationError("there is no option \"" + word + "\"; a file of that name is ./" +
+                                word);
+}
+
 /// To CLI11, a dash and a digit begin a number and no option, so it takes them for a file.
 void refuseNumbers(const std::vector<std::string> &files, const Words &words) {
     if (isAmong(words, "--")) {
@@ -237,8 +178,7 @@ void refuseNumbers(const std::vector<std::string> &files, const Words &words) {
     }
     for (const std::string &file : files) {
         if (file.size() > 1 && file.front() == '-') {
-            throw CLI::ValidationError("there is no option \"" + file +
-                                       "\"; a file of that name is ./" + file);
+            throw noSuchOption(file);
         }
     }
 }
