@@ -66,10 +66,10 @@ def compare_nmea(pelluvia, megabytes, rounds, data, folder, at_least):
                                                 NMEA_BAR)
 
 
-def compare_thinning(pelluvia, megabytes, rounds, data, folder):
+def compare_thinning(pelluvia, megabytes, rounds, data, folder, beside_gpsbabel):
     """A track thinned while it is recorded, beside the same conversion without thinning and without
-    a recorder, and beside gpsbabel's simplification to within a metre. Nothing is asked of the ratios:
-    what is left out differs."""
+    a recorder, and, when wanted, beside gpsbabel's simplification to within a metre. Nothing is asked
+    of the ratios: what is left out differs."""
     source = inputs.input_file(data, "bare", min(megabytes, MOST_THINNED))
     points = inputs.count_points(source, "bare")
     left = {}
@@ -77,7 +77,7 @@ def compare_thinning(pelluvia, megabytes, rounds, data, folder):
     commands = {"pelluvia --minimize": convert + ["--minimize", *THINNING, source],
                 "pelluvia --record": convert + ["--record", source],
                 "pelluvia --classic": convert + ["--classic", source]}
-    if shutil.which("gpsbabel"):
+    if beside_gpsbabel and shutil.which("gpsbabel"):
         commands["gpsbabel -x simplify"] = ["gpsbabel", "-i", "gpx", "-f", source, "-x",
                                             "simplify,crosstrack,error=0.001k", "-o", "gpx", "-F"]
     size = os.path.getsize(source) / 1e6
@@ -95,5 +95,5 @@ def compare(options, folder, at_least):
         sys.stdout.flush()
         log = nmea_inputs.log_file(options.data, options.megabytes)
         good &= subprocess.run([driver, log], check=False).returncode == 0
-    compare_thinning(*measured)
+    compare_thinning(*measured, beside_gpsbabel=not options.quick)
     return good
