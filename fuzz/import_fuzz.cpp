@@ -2,16 +2,15 @@
 // the bytes are, and that an import by the XML library makes the same calls, with the same error in
 // the same place, as one by the scanner. See fuzz/README.md.
 
+#include "StrictReceiver.h"
+
 #include <Pelluvia/gpximport/GPXFileImporter.h>
-#include <Pelluvia/model/GPSOutputReceiver.h>
 #include <Pelluvia/platform/Log.h>
 #include <Pelluvia/platform/XMLParser.h>
 
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <initializer_list>
@@ -22,16 +21,10 @@
 namespace {
 
 using namespace pelluvia;
-
-void require(bool holds, const char *what) {
-    if (!holds) {
-        std::fprintf(stderr, "broken rule: %s\n", what);
-        std::abort();
-    }
-}
+using fuzz::require;
 
 /// Follows the calls of an importer.
-class RuleChecker : public GPSOutputReceiver {
+class RuleChecker : public fuzz::StrictReceiver {
   public:
     /// After each import.
     void finish(const ErrorPtr &result) {
@@ -98,23 +91,7 @@ class RuleChecker : public GPSOutputReceiver {
         add((*object)->localizedDescription(), nullptr, nullptr);
     }
 
-    void poiPoint(GPSPoint /*point*/, const Dictionary * /*extra*/) override { never(); }
-    void lapInfoStart(GPSPoint /*start*/, GPSPoint /*end*/,
-                      const Dictionary * /*extras*/) override {
-        never();
-    }
-    void currentPosition(GPSPoint /*point*/, int /*accuracy*/) override { never(); }
-    void warning(const Report & /*object*/) override { never(); }
-    void gpsStateChange(int /*state*/) override { never(); }
-    void startSending(const void * /*sender*/, int /*kind*/,
-                      const Dictionary * /*extra*/) override {
-        never();
-    }
-    void sendProgress(int /*count*/) override { never(); }
-    void endSending(int /*kind*/) override { never(); }
-
   private:
-    static void never() { require(false, "a call that importers never make"); }
     [[nodiscard]] bool isRunning(int kind) const { return openKind_ == kind && !hasFailed_; }
 
     void add(std::string_view call, const GPSPoint *point, const Dictionary *extra) {

@@ -2,6 +2,8 @@
 // receiver's rules, that no value is impossible, and that the pieces make no difference. See
 // fuzz/README.md.
 
+#include "StrictReceiver.h"
+
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/TransferKind.h>
 #include <Pelluvia/platform/Log.h>
@@ -13,8 +15,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,16 +22,10 @@
 namespace {
 
 using namespace pelluvia;
-
-void require(bool holds, const char *what) {
-    if (!holds) {
-        std::fprintf(stderr, "broken rule: %s\n", what);
-        std::abort();
-    }
-}
+using fuzz::require;
 
 /// Follows the calls of one log.
-class RuleChecker : public testing::SpyReceiver {
+class RuleChecker : public fuzz::StrictReceiver {
   public:
     void finish(const nmea::Tally &tally) const {
         require(openKind_ == 0, "every transfer ends");
@@ -41,30 +35,33 @@ class RuleChecker : public testing::SpyReceiver {
         require(tally.pointsWithoutDate <= points_, "points without a date are points");
     }
 
+    /// What the receiver was told, a line a call.
+    [[nodiscard]] const auto &calls() const noexcept { return spy_.calls; }
+
     void startTransfer(const void *sender, int kind, const Dictionary *extra) override {
         require(openKind_ == 0, "transfers follow one another");
         require(order(kind) > order(lastKind_), "tracks, waypoints, routes, each once at most");
         openKind_ = lastKind_ = kind;
-        SpyReceiver::startTransfer(sender, kind, extra);
+        spy_.startTransfer(sender, kind, extra);
     }
     void endTransfer(int kind) override {
         require(kind == openKind_, "the open transfer ends");
         openKind_ = 0;
-        SpyReceiver::endTransfer(kind);
+        spy_.endTransfer(kind);
     }
     void newTrack(const Dictionary *extra) override {
         require(openKind_ == transferKind::tracks, "tracks in their transfer");
-        SpyReceiver::newTrack(extra);
+        spy_.newTrack(extra);
     }
     void newTrackSegment() override {
         require(openKind_ == transferKind::tracks, "segments in their transfer");
         hasSegment_ = true;
-        SpyReceiver::newTrackSegment();
+        spy_.newTrackSegment();
     }
     void newRoute(const Dictionary *extra) override {
         require(openKind_ == transferKind::routes && extra != nullptr, "routes in their transfer");
         ++routes_;
-        SpyReceiver::newRoute(extra);
+        spy_.newRoute(extra);
     }
     void trackPoint(GPSPoint point, const Dictionary *extra) override {
         constexpr std::int64_t endOf9999 = 253'402'300'800;
@@ -74,35 +71,17 @@ class RuleChecker : public testing::SpyReceiver {
         require(point.time >= -86'400 && point.time <= endOf9999, "a possible time");
         require(extra == nullptr || isSpeed(*extra), "nothing but a possible speed beside it");
         ++points_;
-        SpyReceiver::trackPoint(point, extra);
+        spy_.trackPoint(point, extra);
     }
     void wayPoint(GPSPoint point, const Dictionary *extra) override {
         require(openKind_ == transferKind::waypoints || openKind_ == transferKind::routes,
                 "waypoints in their transfer");
         require(isOnGlobe(point), "a waypoint on the globe");
         waypoints_ += openKind_ == transferKind::waypoints ? 1 : 0;
-        SpyReceiver::wayPoint(point, extra);
+        spy_.wayPoint(point, extra);
     }
-
-    void routePoint(GPSPoint /*point*/, const Dictionary * /*extra*/) override { never(); }
-    void poiPoint(GPSPoint /*point*/, const Dictionary * /*extra*/) override { never(); }
-    void lapInfoStart(GPSPoint /*start*/, GPSPoint /*end*/,
-                      const Dictionary * /*extras*/) override {
-        never();
-    }
-    void currentPosition(GPSPoint /*point*/, int /*accuracy*/) override { never(); }
-    void warning(const Report & /*object*/) override { never(); }
-    void error(const Report & /*error*/) override { never(); }
-    void gpsStateChange(int /*state*/) override { never(); }
-    void startSending(const void * /*sender*/, int /*kind*/,
-                      const Dictionary * /*extra*/) override {
-        never();
-    }
-    void sendProgress(int /*count*/) override { never(); }
-    void endSending(int /*kind*/) override { never(); }
 
   private:
-    static void never() { require(false, "a call that this driver never makes"); }
     static int order(int kind) {
         constexpr int places[] = {0, 1, 3, 2}; // none, tracks, routes, waypoints
         return places[kind];
@@ -116,6 +95,7 @@ class RuleChecker : public testing::SpyReceiver {
                speed->floatValue() <= 12'000.0F;
     }
 
+    testing::SpyReceiver spy_;
     int openKind_ = 0;
     int lastKind_ = 0;
     bool hasSegment_ = false;
@@ -170,7 +150,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     RuleChecker inPieces;
     const nmea::Tally tally = decode(bytes, options, std::nullopt, whole);
     const nmea::Tally tallyOfPieces = decode(bytes, options, seed, inPieces);
-    require(whole.calls == inPieces.calls, "the pieces make no difference to the calls");
+    require(whole.calls() == inPieces.calls(), "the pieces make no difference to the calls");
     require(tally == tallyOfPieces, "nor to what is counted");
     return 0;
 }
