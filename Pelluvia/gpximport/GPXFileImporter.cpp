@@ -217,6 +217,7 @@ std::unique_ptr<XMLParser> GPXFileImporter::parserOfFile() {
         parser->setKnownFile(countedFile);
     }
     leavesOut = leavesOut && isCounted && countedFile.isUsual() && !counters->hasForeignPoints();
+    leavesOutPlaces = leavesOut;
     return parser;
 }
 

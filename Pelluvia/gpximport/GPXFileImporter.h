@@ -265,6 +265,8 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     /// each point is cleared at its start (of one in a foreign namespace, only the end is seen),
     /// and when a pass follows that collects it.
     bool leavesOut = false;
+    /// Whether it leaves out the places of these points, too: until one stands within another.
+    bool leavesOutPlaces = false;
     CollectedPoint currentPoint;
     std::int32_t recno = 0;
     float gpxVersion = 0; // 1.0 or 1.1 by the namespace; read by nothing

@@ -242,8 +242,9 @@ void GPXFileImporter::startLink(const XMLAttributes &attributes) {
 }
 
 void GPXFileImporter::readPosition(const XMLAttributes &attributes, std::int32_t kind) noexcept {
-    const bool isInPoint = inWaypoint || inRoutePoint || inTrkPt;
-    if (leavesOut && kind != mode && !isInPoint) {
+    // Of points within points, the outer one may be sent with the place of any inner one.
+    leavesOutPlaces = leavesOutPlaces && !inWaypoint && !inRoutePoint && !inTrkPt;
+    if (leavesOutPlaces && kind != mode) {
         return;
     }
     const auto latitude = attribute(attributes, Name::Lat);

@@ -116,6 +116,14 @@ TEST_F(XMLEngines, LeaveTheSameOver) {
         "<rte><trk><trkseg><trkpt lat='8' lon='9'><rtept" + point +
             "</rtept><ele>5</ele></trkpt></trkseg></trk></rte>",
         "<rte><rtept lat='8' lon='9'><wpt" + point + "</wpt><sym>t</sym></rtept></rte>",
+        // Points within points of their kind, which leave the outer ones without their flags.
+        "<wpt lat='8' lon='9'><wpt" + point + "</wpt><ele>5</ele></wpt>",
+        "<rte><rtept lat='8' lon='9'><rtept" + point + "</rtept><ele>5</ele></rtept></rte>",
+        "<rte><rtept lat='8' lon='9'><rtept/><wpt lat='1' lon='2'/></rtept></rte>",
+        "<rte><rtept lat='8' lon='9'><rtept/><trkseg><trkpt lat='1' lon='2'/></trkseg></rtept>"
+        "</rte>",
+        "<wpt lat='8' lon='9'><wpt/><trkseg><trkpt lat='1' lon='2'/></trkseg></wpt>",
+        "<wpt lat='8' lon='9'><wpt/><rte><rtept lat='1' lon='2'/></rte></wpt>",
         // One after the other.
         "<wpt" + point + "</wpt><rte><rtept lat='8' lon='9'/></rte>",
         "<trk><trkseg><trkpt" + point + "</trkpt></trkseg></trk><rte><rtept/></rte><wpt/>" +

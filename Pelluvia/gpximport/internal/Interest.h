@@ -149,7 +149,9 @@ inline constexpr std::int32_t noPoint = 0;
     case Name::Type:
     case Name::EncodedHints:
         return space == Namespace::Geocache && kind != transferKind::waypoints;
-    case Name::Ele: // which is no error in a point
+    case Name::Ele:
+        // In a track point it is no error. In others it may be one, behind a point of their kind.
+        return isInOtherPoint(around, kind) && gpxVocabulary::nameOf(around.back()) == Name::Trkpt;
     case Name::Time:
     case Name::Cmt:
     case Name::Sym:
