@@ -155,20 +155,20 @@ bool GPXFileImporter::isLastPass(std::int32_t kind) const noexcept {
 }
 
 ErrorPtr GPXFileImporter::runPass(std::int32_t kind) {
-    const Nesting before = nesting();
-    leavesOut = !isLastPass(kind);
+    // After an import that ended within elements, a pass may go further than the next one.
+    leavesOut = !isLastPass(kind) && nesting() == Nesting();
     ErrorPtr error = runParser(kind);
     const bool wasAborted = lastError != nullptr;
     const bool isWholeAndLast = error == nullptr && isLastPass(kind); // by now
     if (leavesOut && (wasAborted || isWholeAndLast)) {
-        collectLeftOut(before);
+        collectLeftOut();
     }
     return error;
 }
 
 /// What the last pass leaves over, a later import may see: reads the file once more as that pass
 /// did, but completely, and for nobody.
-void GPXFileImporter::collectLeftOut(const Nesting &before) {
+void GPXFileImporter::collectLeftOut() {
     struct Unheard {
         explicit Unheard(GPXFileImporter &itsImporter)
             : importer(itsImporter),
@@ -185,7 +185,7 @@ void GPXFileImporter::collectLeftOut(const Nesting &before) {
         ErrorPtr error;
     };
     const Unheard unheard(*this);
-    nesting() = before;
+    nesting() = Nesting(); // as it was before that pass
     leavesOut = false;
     const auto parser = parserOfFile();
     [[maybe_unused]] const bool isWhole = parser != nullptr && parser->parse();

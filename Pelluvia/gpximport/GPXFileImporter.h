@@ -132,7 +132,7 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     using Nesting = std::tuple<bool, bool, bool, bool, bool, bool, bool, bool>;
     [[nodiscard]] std::tuple<bool &, bool &, bool &, bool &, bool &, bool &, bool &, bool &>
     nesting() noexcept;
-    void collectLeftOut(const Nesting &before);
+    void collectLeftOut();
 
     [[nodiscard]] std::unique_ptr<XMLParser> parserOfFile();
     /// Whether the points and headings of this kind are to be sent in this pass.
@@ -263,7 +263,7 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     std::optional<URL> countedURL;
     /// Whether the pass need not collect what goes only into points of other kinds: in a file where
     /// each point is cleared at its start (of one in a foreign namespace, only the end is seen),
-    /// and when a pass follows that collects it.
+    /// when a pass follows that collects it, and when the importer is in no element at first.
     bool leavesOut = false;
     /// Whether it leaves out the places of these points, too: until one stands within another.
     bool leavesOutPlaces = false;

@@ -172,6 +172,31 @@ TEST_F(XMLEngines, LeaveTheSameOver) {
     }
 }
 
+/// An import that ended within a waypoint makes the first pass of the next one accept an elevation
+/// that the second one does not.
+TEST_F(XMLEngines, LeaveTheSameOverAfterAnImportThatWasAborted) {
+    const testing::TemporaryFolder folder;
+    const std::string paths[] = {
+        folder.write("aborted.gpx", testing::gpx("<wpt lat='1' lon='2'><trkpt/></wpt>")),
+        folder.write("a.gpx", testing::gpx("<ele>1</ele><wpt lat='3' lon='4'>"
+                                           "<urlname>left over</urlname></wpt>")),
+        folder.write("w.gpx", "<x:wpt xmlns:x='x'/>")};
+    const auto callsOf = [&](const char *engine) {
+        variable.set(engine);
+        Importing importing;
+        std::string calls;
+        for (const std::string &path : paths) {
+            for (const std::string &each : importing.file(path).calls) {
+                calls.append(each).append("\n");
+            }
+        }
+        return calls;
+    };
+    const std::string calls = callsOf("automatic");
+    EXPECT_NE(calls.find("left over"), std::string::npos);
+    EXPECT_EQ(calls, callsOf("libxml2"));
+}
+
 TEST_F(XMLEngines, LeaveTheSameOverWhenTheReceiverEndsTheImportEarly) {
     const testing::TemporaryFolder folder;
     const std::string path = folder.write(
