@@ -266,6 +266,32 @@ TEST_F(ScanTagMemory, DoesNotJoinWhatMeetsOnlyNowAndThen) {
     EXPECT_EQ(first->followers[0], open);
 }
 
+TEST_F(ScanTagMemory, JoinsNoMoreWhenItIsFull) {
+    wantNoText();
+    Phrase *const first = learn(nullptr, "<gpx>", nullptr);
+    constexpr std::size_t count = 30; // each with each are more than there is room for
+    std::vector<Phrase *> tags;
+    for (std::size_t i = 0; i < count; ++i) {
+        tags.push_back(learn(nullptr, "<n" + std::to_string(i) + "/>", root));
+    }
+    const auto meet = [&](Phrase *last, Phrase *next) {
+        for (int i = 0; i <= TagMemory::meetingsToJoin; ++i) {
+            memory.meet(*first, *last, *next);
+        }
+    };
+    std::size_t joined = 0;
+    for (Phrase *const last : tags) {
+        for (Phrase *const next : tags) {
+            const bool wasFull = memory.isFull();
+            Phrase *const before = first->followers[0];
+            meet(last, next);
+            EXPECT_EQ(first->followers[0] != before, !wasFull);
+            joined += wasFull ? 0 : 1;
+        }
+    }
+    EXPECT_EQ(joined, TagMemory::mostPhrases - count - 1);
+}
+
 TEST_F(ScanTagMemory, DoesNotJoinTwoTagsWithValuesNorWhatIsTooLong) {
     wantNoText();
     Phrase *const first = learn(nullptr, "<gpx>", nullptr);

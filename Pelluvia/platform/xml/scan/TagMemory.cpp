@@ -185,6 +185,9 @@ Phrase *TagMemory::remember(Phrase *previous, Make make) {
 }
 
 void TagMemory::join(Phrase &before, Phrase &last, Phrase &next) {
+    if (isFull()) {
+        return; // all is forgotten as soon as something new comes
+    }
     auto &joined = joined_[{&last, &next}];
     if (joined == nullptr) {
         joined = joinedOf(last, next);
