@@ -5,9 +5,11 @@
 #include <array>
 #include <cstddef>
 #include <gtest/gtest.h>
+#include <random>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace pelluvia::xml::scan {
@@ -246,6 +248,44 @@ TEST_F(ScanElementTree, AsksForTheInterestInEachElement) {
         EXPECT_EQ(child(root, "b")->interest, XMLInterest::nothing);
         EXPECT_EQ(child(child(root, "b"), "desc")->interest, XMLInterest::all) << "asked again";
         EXPECT_EQ(delegate.places, "/wpt /wpt/desc /wpt/b /wpt/b/desc ");
+    }
+}
+
+/// From place to place, up, down and sideways, and over what was forgotten.
+TEST_F(ScanElementTree, AsksWithTheElementsAroundWhereverItWasBefore) {
+    class Delegate final : public XMLParserDelegate {
+      public:
+        [[nodiscard]] XMLInterest interestIn(const XMLElement &element,
+                                             std::span<const XMLElement> around) const override {
+            place.clear();
+            for (const XMLElement &each : around) {
+                place.append(each.localName).append("/");
+            }
+            place.append(element.localName);
+            return XMLInterest::nothing;
+        }
+        mutable std::string place;
+    } delegate;
+    ElementTree asking(vocabulary, delegate);
+    StartTag tag;
+    const auto add = [&](Element *parent, std::string_view name) {
+        tag.name = {.whole = name, .prefix = {}, .local = name};
+        return asking.child(parent, tag);
+    };
+    std::mt19937 chance(7); // the same numbers everywhere
+    std::vector<std::pair<Element *, std::string>> known = {{nullptr, ""}};
+    for (int i = 0; i < 3000; ++i) {
+        const auto [parent, path] = known[chance() % known.size()];
+        const std::string name = std::string("n").append(std::to_string(i));
+        Element *const added = add(parent, name);
+        ASSERT_NE(added, nullptr);
+        ASSERT_EQ(delegate.place, path + name);
+        known.emplace_back(added, path + name + "/");
+        if (chance() % 50 == 0) {
+            const auto kept = known[chance() % known.size()];
+            asking.keepOnly(kept.first);
+            known = {{nullptr, ""}, kept};
+        }
     }
 }
 

@@ -34,13 +34,15 @@ bool isUsual(const StartTag &tag) noexcept {
 }
 
 /// The URI that the prefix stands for within the element; empty for none.
-std::string_view uriOf(std::string_view prefix, const Element *element) noexcept {
-    for (; element != nullptr; element = element->parent) {
-        for (const Declaration &each : element->declarations) {
+std::string_view uriOf(std::string_view prefix, const Element &element) noexcept {
+    const Element *scope = element.scope;
+    while (scope != nullptr) {
+        for (const Declaration &each : scope->declarations) {
             if (each.prefix == prefix) {
                 return each.uri;
             }
         }
+        scope = scope->parent != nullptr ? scope->parent->scope : nullptr;
     }
     return {};
 }
@@ -86,7 +88,7 @@ Element *ElementTree::child(Element *parent, const StartTag &tag) {
     return elements_.emplace(key, std::move(element)).first->second.get();
 }
 
-std::unique_ptr<Element> ElementTree::make(Element *parent, const StartTag &tag) const {
+std::unique_ptr<Element> ElementTree::make(Element *parent, const StartTag &tag) {
     auto element = std::make_unique<Element>();
     element->parent = parent;
     element->depth = parent != nullptr ? parent->depth + 1 : 1;
@@ -101,10 +103,12 @@ std::unique_ptr<Element> ElementTree::make(Element *parent, const StartTag &tag)
         at += uri.size();
         element->declarations.push_back({prefix, uri});
     }
+    const Element *const outerScope = parent != nullptr ? parent->scope : nullptr;
+    element->scope = element->declarations.empty() ? outerScope : element.get();
     XMLElement &name = element->name;
     name.prefix = element->qualifiedName.substr(0, tag.name.prefix.size());
     name.localName = element->qualifiedName.substr(tag.name.whole.size() - tag.name.local.size());
-    name.namespaceURI = uriOf(name.prefix, element.get());
+    name.namespaceURI = uriOf(name.prefix, *element);
     name.nameNumber = vocabulary_.name(name.localName);
     name.namespaceNumber = vocabulary_.uri(name.namespaceURI);
     element->interest = interestIn(*element);
@@ -112,17 +116,28 @@ std::unique_ptr<Element> ElementTree::make(Element *parent, const StartTag &tag)
     return element;
 }
 
-XMLInterest ElementTree::interestIn(const Element &element) const {
+XMLInterest ElementTree::interestIn(const Element &element) {
     const Element *const parent = element.parent;
     if (parent != nullptr && parent->interest == XMLInterest::all) {
         return XMLInterest::all;
     }
-    std::vector<XMLElement> around(element.depth - 1);
-    auto place = around.rbegin();
-    for (const Element *each = parent; each != nullptr; each = each->parent) {
-        *place++ = each->name;
+    lookAround(element);
+    return delegate_.interestIn(element.name, around_);
+}
+
+/// Brings `branch_` and `around_` up to date, from the inside as far as they differ: all at once
+/// would be slow where the elements are nested deep.
+void ElementTree::lookAround(const Element &element) {
+    branch_.resize(element.depth - 1);
+    around_.resize(element.depth - 1);
+    for (const Element *each = element.parent; each != nullptr; each = each->parent) {
+        const std::size_t place = each->depth - 1;
+        if (branch_[place] == each) {
+            break;
+        }
+        branch_[place] = each;
+        around_[place] = each->name;
     }
-    return delegate_.interestIn(element.name, around);
 }
 
 bool ElementTree::isFull() const noexcept {
@@ -130,17 +145,19 @@ bool ElementTree::isFull() const noexcept {
 }
 
 void ElementTree::keepOnly(const Element *branch) {
-    std::vector<const Element *> kept;
+    branch_.assign(branch != nullptr ? branch->depth : 0, nullptr);
     for (; branch != nullptr; branch = branch->parent) {
-        kept.push_back(branch);
+        branch_[branch->depth - 1] = branch;
     }
     textSize_ = 0;
     std::erase_if(elements_, [&](const auto &entry) {
-        const Element *const element = entry.second.get();
-        const bool goes = std::find(kept.begin(), kept.end(), element) == kept.end();
-        textSize_ += goes ? 0 : element->text.size();
-        return goes;
+        const Element &element = *entry.second;
+        const bool stays =
+            element.depth <= branch_.size() && branch_[element.depth - 1] == &element;
+        textSize_ += stays ? element.text.size() : 0;
+        return !stays;
     });
+    branch_.clear(); // `around_` has not followed it
 }
 
 } // namespace pelluvia::xml::scan

@@ -24,8 +24,10 @@ struct Declaration {
 /// so that its names are resolved once.
 struct Element {
     Element *parent = nullptr; ///< null for a root
-    std::size_t depth = 0;     ///< 1 for a root
-    XMLElement name;           ///< resolved; as delegates get it
+    /// The innermost element with declarations, of this one and those around it; null for none.
+    const Element *scope = nullptr;
+    std::size_t depth = 0; ///< 1 for a root
+    XMLElement name;       ///< resolved; as delegates get it
     std::string_view qualifiedName;
     std::vector<Declaration> declarations;
     std::size_t declared = 0;                ///< declarations in force: these and those around it
@@ -72,8 +74,9 @@ class ElementTree {
         [[nodiscard]] std::size_t operator()(const Key &key) const;
     };
 
-    [[nodiscard]] XMLInterest interestIn(const Element &element) const;
-    [[nodiscard]] std::unique_ptr<Element> make(Element *parent, const StartTag &tag) const;
+    [[nodiscard]] XMLInterest interestIn(const Element &element);
+    void lookAround(const Element &element);
+    [[nodiscard]] std::unique_ptr<Element> make(Element *parent, const StartTag &tag);
 
     const Vocabulary &vocabulary_;
     const XMLParserDelegate &delegate_;
@@ -81,6 +84,10 @@ class ElementTree {
     std::unordered_map<Key, std::unique_ptr<Element>, Hash> elements_;
     std::size_t textSize_ = 0;
     std::string key_; ///< scratch
+    /// The elements around the last one that the delegate was asked about, the root first: most of
+    /// them are around the next one, too.
+    std::vector<const Element *> branch_;
+    std::vector<XMLElement> around_; ///< their names
 };
 
 } // namespace pelluvia::xml::scan
