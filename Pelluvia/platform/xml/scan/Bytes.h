@@ -89,6 +89,10 @@ struct Words {
     [[nodiscard]] static std::size_t first(std::uint64_t special) noexcept {
         return static_cast<std::size_t>(std::countr_zero(special)) / 8;
     }
+    /// The others.
+    [[nodiscard]] static std::uint64_t withoutFirst(std::uint64_t special) noexcept {
+        return special & (special - 1);
+    }
 
     /// Tells the bytes of a block that are not plain text, as `special`, and those outside ASCII.
     [[nodiscard]] static std::uint64_t unsettled(const char *at, bool &isCut) noexcept {
@@ -159,6 +163,9 @@ struct Vectors {
     }
     [[nodiscard]] static std::size_t first(std::uint32_t special) noexcept {
         return static_cast<std::size_t>(std::countr_zero(special));
+    }
+    [[nodiscard]] static std::uint32_t withoutFirst(std::uint32_t special) noexcept {
+        return special & (special - 1);
     }
 
     /// Of a block that holds `special`: which of the bytes are more than characters of two bytes,

@@ -14,6 +14,16 @@ namespace pelluvia::xml::scan {
 /// not well-formed UTF-8, or not allowed in XML, the position of that one.
 [[nodiscard]] const char *skipMultibyte(const char *at) noexcept;
 
+/// Whether the byte is plain text: also a bracket, where what follows shows that it does not begin
+/// `]]>`.
+[[nodiscard]] inline bool isPlainText(const char *at) noexcept {
+    if (*at != ']') {
+        return is(plainText, *at);
+    }
+    const char next = at[1] == ']' ? at[2] : at[1];
+    return next != '\0' && (next != '>' || at[1] == '>');
+}
+
 /// The first byte at or behind `at` that is no plain text, where all characters are plain that are
 /// not ASCII.
 template <class Block = Blocks>
@@ -22,16 +32,16 @@ template <class Block = Blocks>
         // As long as the text goes on, what is added is a constant: so the look at the next block
         // need not wait for this one.
         bool isCut = false;
-        const auto unsettled = Block::unsettled(at, isCut);
+        auto unsettled = Block::unsettled(at, isCut);
+        // Tabs and line ends, which a block takes for controls, and brackets.
+        while (unsettled != 0 && isPlainText(at + Block::first(unsettled))) {
+            unsettled = Block::withoutFirst(unsettled);
+        }
         if (unsettled == 0) {
             at += isCut ? Block::width - 1 : Block::width;
             continue;
         }
         at += Block::first(unsettled);
-        if (is(plainText, *at)) { // a tab or line end, which a block takes for a control
-            ++at;
-            continue;
-        }
         const char *const next = isMultibyte(*at) ? skipMultibyte(at) : at;
         if (next == at) {
             return at;
