@@ -233,15 +233,16 @@ bool ScanEngine::readStart(char *at) {
     }
     window_.moveTo(tag_.end);
     open_ = tag_.isEmpty ? open_ : element;
-    const bool goesOn = reportStart(*element, collectAttributes(), tag_.close) &&
+    const bool goesOn = reportStart(*element, collectAttributes(*element), tag_.close) &&
                         (!tag_.isEmpty || reportEnd(*element, tag_.end));
     forgetIfFull();
     return goesOn;
 }
 
-std::span<const XMLAttribute> ScanEngine::collectAttributes() {
+/// Those of the tag that was read, which starts the element; none if they are not reported.
+std::span<const XMLAttribute> ScanEngine::collectAttributes(const Element &element) {
     attributes_.clear();
-    if (!namesOnly_) {
+    if (!namesOnly_ && element.interest != XMLInterest::nothing) {
         for (StartTag::Attribute &each : tag_.attributes) {
             if (!each.isPlain) {
                 normalise(each);

@@ -103,7 +103,7 @@ class ScanEngine final : public Engine {
     [[nodiscard]] bool reportReferencesTo(const char *end);
     [[nodiscard]] bool reportTextTo(const char *end);
     [[nodiscard]] bool reportText(std::string_view text, const char *place);
-    [[nodiscard]] std::span<const XMLAttribute> collectAttributes();
+    [[nodiscard]] std::span<const XMLAttribute> collectAttributes(const Element &element);
 
     /// Whether what comes next is in the window, unless it is unusually large.
     [[nodiscard]] bool seesAhead() const noexcept;

@@ -44,8 +44,8 @@ bool readValue(char *&at, char quote, bool &isPlain) noexcept {
             }
         } else if (isMultibyte(*at)) {
             next = skipMultibyte(at);
-        } else if (is(blank, *at)) {
-            ++next;
+        } else {
+            next = skip(blank, at);
         }
         if (next == at) {
             return false;
@@ -87,16 +87,26 @@ bool mayCollide(const StartTag::Attribute &one, const StartTag::Attribute &other
            (one.name.prefix.empty() == other.name.prefix.empty());
 }
 
+/// One of 64 kinds of names, as a bit: names of different kinds differ.
+std::uint64_t kindOf(std::string_view name) noexcept {
+    const auto first = static_cast<unsigned char>(name.front());
+    const auto last = static_cast<unsigned char>(name.back());
+    return std::uint64_t{1} << ((first + 7U * last + 31U * name.size()) % 64);
+}
+
 bool add(StartTag::Attribute attribute, StartTag &tag) {
     const bool declares = attribute.name.prefix == "xmlns" || attribute.name.whole == "xmlns";
     auto &list = declares ? tag.declarations : tag.attributes;
     const auto collides = [&](const StartTag::Attribute &each) {
         return mayCollide(each, attribute);
     };
+    const std::uint64_t kind = kindOf(attribute.name.local);
+    const bool mayBeThere = (tag.kinds & kind) != 0;
     if (list.size() == StartTag::mostAttributes ||
-        std::any_of(list.begin(), list.end(), collides)) {
+        (mayBeThere && std::any_of(list.begin(), list.end(), collides))) {
         return false;
     }
+    tag.kinds |= kind;
     list.push_back(attribute);
     return true;
 }
@@ -125,6 +135,7 @@ bool readName(const char *&at, QualifiedName &name) noexcept {
 Look readStartTag(char *at, const char *end, StartTag &tag) {
     tag.attributes.clear();
     tag.declarations.clear();
+    tag.kinds = 0;
     const char *next = at + 1;
     if (!readName(next, tag.name)) {
         return stopped(next, end);

@@ -3,6 +3,7 @@
 #include <Pelluvia/platform/XMLParserDelegate.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -49,9 +50,10 @@ struct StartTag {
     QualifiedName name;
     std::vector<Attribute> attributes;   ///< but for namespace declarations; keeps its memory
     std::vector<Attribute> declarations; ///< of namespaces
-    const char *close = nullptr;         ///< `>` or `/>`
-    const char *end = nullptr;           ///< behind the tag
-    bool isEmpty = false;                ///< it is a whole element
+    std::uint64_t kinds = 0;     ///< a bit for each name that may be among both, some share one
+    const char *close = nullptr; ///< `>` or `/>`
+    const char *end = nullptr;   ///< behind the tag
+    bool isEmpty = false;        ///< it is a whole element
 
     /// More attributes or declarations than this are refused.
     static constexpr std::size_t mostAttributes = 40;
