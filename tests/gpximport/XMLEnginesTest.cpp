@@ -1,13 +1,16 @@
 #include <tests/gpximport/Importing.h>
+#include <tests/gpximport/RandomGPX.h>
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <tests/support/Damage.h>
 #include <tests/support/GPXFiles.h>
+#include <tests/support/Sanitized.h>
 #include <tests/support/TemporaryFolder.h>
 #include <tests/support/XMLEngineVariable.h>
 #include <vector>
@@ -195,6 +198,45 @@ TEST_F(XMLEngines, LeaveTheSameOverAfterAnImportThatWasAborted) {
     const std::string calls = callsOf("automatic");
     EXPECT_NE(calls.find("left over"), std::string::npos);
     EXPECT_EQ(calls, callsOf("libxml2"));
+}
+
+/// Imports by one importer after the other, of which some end in the middle of a file.
+TEST_F(XMLEngines, ImportAnyNestingAlike) {
+    constexpr std::uint64_t importers = PELLUVIA_TESTS_SANITIZED != 0 ? 400 : 4'000;
+    std::size_t failures = 0;
+    for (std::uint64_t seed = 0; seed < importers; ++seed) {
+        testing::Chance chance(seed);
+        const testing::Passes passes = {!chance.oneIn(4), !chance.oneIn(4), !chance.oneIn(4)};
+        testing::RandomGPX random(seed);
+        const testing::TemporaryFolder folder;
+        const std::string paths[] = {
+            folder.write("0.gpx", testing::gpx(random.content())),
+            folder.write("1.gpx", testing::gpx(random.content())),
+            folder.write("2.gpx", testing::gpx(random.content() +
+                                               "<x:rtept xmlns:x='x'/><x:wpt xmlns:x='x'/>")),
+            folder.write("3.gpx", "<x:trkpt xmlns:x='x'/>")};
+        const auto callsOf = [&](const char *engine) {
+            variable.set(engine);
+            Importing importing(passes);
+            std::string calls;
+            for (const std::string &path : paths) {
+                const Imported imported = importing.file(path);
+                failures += imported.result != nullptr ? 1U : 0U;
+                for (const std::string &call : imported.calls) {
+                    calls.append(call).append("\n");
+                }
+                calls.append(resultOf(imported)).append("\n");
+            }
+            return calls;
+        };
+        ASSERT_EQ(callsOf("automatic"), callsOf("libxml2")) << "seed " << seed << "\n"
+                                                            << testing::readFile(paths[0]) << "\n"
+                                                            << testing::readFile(paths[1]) << "\n"
+                                                            << testing::readFile(paths[2]);
+    }
+    // Eight imports each, of which neither most nor few end early.
+    EXPECT_GT(failures, importers);
+    EXPECT_LT(failures, 6 * importers);
 }
 
 TEST_F(XMLEngines, LeaveTheSameOverWhenTheReceiverEndsTheImportEarly) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tests/support/Chance.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -12,16 +14,10 @@ namespace pelluvia::testing {
 /// come from somewhere else. The more one expects of it, the smaller the documents should be.
 class Damage {
   public:
-    explicit Damage(std::uint64_t seed) : state_(seed) {}
+    explicit Damage(std::uint64_t seed) : chance_(seed) {}
 
     /// A number below the limit, which is not 0.
-    [[nodiscard]] std::size_t below(std::size_t limit) {
-        // SplitMix64: the same on every machine.
-        std::uint64_t z = (state_ += 0x9E3779B97F4A7C15U);
-        z = (z ^ (z >> 30U)) * 0xBF58476D1CE4E5B9U;
-        z = (z ^ (z >> 27U)) * 0x94D049BB133111EBU;
-        return static_cast<std::size_t>((z ^ (z >> 31U)) % limit);
-    }
+    [[nodiscard]] std::size_t below(std::size_t limit) { return chance_.below(limit); }
 
     /// At most `size` bytes of the document: its beginning, or its beginning and its end.
     [[nodiscard]] std::string cut(const std::string &document, std::size_t size) {
@@ -72,7 +68,7 @@ class Damage {
         }
     }
 
-    std::uint64_t state_;
+    Chance chance_;
 };
 
 /// How many damaged documents a test looks at; fewer where each takes much longer.
