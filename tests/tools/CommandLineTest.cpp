@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -168,6 +169,11 @@ TEST(CommandLine, FilesBehindTwoDashesMayLookLikeOptions) {
     EXPECT_EQ(options.target, "-q.gpx");
 }
 
+TEST(CommandLine, FilesBehindTwoDashesMayEndLikeAnOptionWithoutItsValue) {
+    EXPECT_EQ(convertOf({"convert", "--creator=a=", "--", "--telemetry=", "b.gpx"}).target,
+              "b.gpx");
+}
+
 TEST(CommandLine, InfoTakesAnyNumberOfFiles) {
     const Command command = parsed({"info", "--json", "a.gpx", "-", "b"});
     const auto *options = std::get_if<InfoOptions>(&command);
@@ -266,11 +272,16 @@ INSTANTIATE_TEST_SUITE_P(
             {"convert", "--minimize=far", "a.gpx", "b.gpx"}, "--minimize: no value", convertUsage},
         Wrong{{"convert", "--minimize", "-1", "a.gpx", "b.gpx"}, "no option \"-1\"", convertUsage},
         Wrong{{"convert", "--record=0", "a.gpx", "b.gpx"}, "--record: no value", convertUsage},
+        Wrong{{"convert", "--telemetry=", "a.gpx", "b.gpx", "c.gpx"},
+              "--telemetry=: nothing stands",
+              convertUsage},
+        Wrong{{"convert", "a.gpx", "b.gpx", "--only="}, "--only=: nothing", convertUsage},
         Wrong{{"convert", "-", "-", "b.gpx"}, "only once", convertUsage},
         Wrong{{"authorize"}, "a folder is needed", "Usage: pelluvia authorize [-v] FOLDER"},
         Wrong{{"authorized", "a", "b"}, "b", "Usage: pelluvia authorized [-v] FOLDER"},
         Wrong{{"info"}, "a file is needed", infoUsage},
         Wrong{{"info", "-", "-"}, "only once", infoUsage},
+        Wrong{{"info", "-ride.gpx"}, "a file of that name is ./-ride.gpx", infoUsage},
         Wrong{{"info", "-5", "a.gpx"}, "no option \"-5\"", infoUsage},
         Wrong{{"info", "--json=0", "a.gpx"}, "--json: no value", infoUsage},
         Wrong{{"info", "--xml", "a.gpx"}, "--xml", infoUsage}));
@@ -296,6 +307,20 @@ TEST(CommandLine, HelpIsAnsweredForTheProgramAndForEachCommand) {
         EXPECT_EQ(answer.status, 0);
         EXPECT_THAT(answer.output, AllOf(HasSubstr("Usage: pelluvia"), HasSubstr(text)));
         EXPECT_THAT(answer.complaint, IsEmpty());
+    }
+}
+
+TEST(CommandLine, HelpFitsATerminalOfEightyColumns) {
+    for (const std::vector<const char *> &arguments :
+         std::vector<std::vector<const char *>>{{"--help"},
+                                                {"convert", "-h"},
+                                                {"info", "-h"},
+                                                {"authorize", "-h"},
+                                                {"authorized", "-h"}}) {
+        std::istringstream lines(answerTo(arguments).output);
+        for (std::string line; std::getline(lines, line);) {
+            EXPECT_LE(line.size(), 80U) << line;
+        }
     }
 }
 

@@ -196,7 +196,7 @@ void addRecording(CLI::App &command, Arguments &arguments) {
         ->option_text("NUMBER");
     command
         .add_option("--telemetry", arguments.telemetry,
-                    "Record, and write a summary as JSON; - is standard output")
+                    "Record, and write a JSON summary; - prints it")
         ->option_text("FILE");
 }
 
@@ -226,19 +226,17 @@ CLI::App *addConvert(CLI::App &app, Arguments &arguments, const Words &words) {
         ->option_text("tracks,routes,waypoints");
     command->add_option("--baud", arguments.baud, "Speed of a serial device (4800)")
         ->option_text("RATE");
-    command
-        ->add_option("--date", arguments.date, "Date of the start of an NMEA log that tells none")
+    command->add_option("--date", arguments.date, "First date of an NMEA log that tells none")
         ->option_text("YYYY-MM-DD");
-    command->add_option("--gap", arguments.gap, "Break an NMEA track after so long a pause (300)")
+    command->add_option("--gap", arguments.gap, "Break NMEA tracks after so long a pause (300)")
         ->option_text("SECONDS");
     addRecording(*command, arguments);
-    addFlag(*command, "--classic", arguments.classic,
-            "Nothing between producer and target, as without recording");
+    addFlag(*command, "--classic", arguments.classic, "No recorder between source and target");
     command->add_option("--creator", arguments.creator, "The creator named in a GPX header")
         ->option_text("TEXT");
     addFlag(*command, "-q,--quiet", arguments.quiet, "No progress bar");
     addFlag(*command, "-v,--verbose", arguments.verbose,
-            "Log lines on standard error, not in the system log");
+            "Log to standard error, not to the system log");
     CLI::Option *files = command
                              ->add_option("SOURCE... TARGET", arguments.files,
                                           "Files; - is standard input or output")
@@ -255,7 +253,7 @@ CLI::App *addInfo(CLI::App &app, Arguments &arguments, const Words &words) {
     command->footer(std::string(infoFooter));
     addFlag(*command, "--json", arguments.json, "One JSON object a file, each on a line");
     addFlag(*command, "-v,--verbose", arguments.verbose,
-            "Log lines on standard error, not in the system log");
+            "Log to standard error, not to the system log");
     CLI::Option *files =
         command->add_option("FILE", arguments.files, "GPX files; - is standard input")
             ->option_text("...");
@@ -272,10 +270,9 @@ CLI::App *addStorage(CLI::App &app, Arguments &arguments, const Words &words, co
     command->footer(
         std::string(name == std::string_view("authorize") ? authorizeFooter : authorizedFooter));
     addFlag(*command, "-v,--verbose", arguments.verbose,
-            "Log lines on standard error, not in the system log");
-    command
-        ->add_option("FOLDER", arguments.files,
-                     "The folder's path, as it was and will be asked for")
+            "Log to standard error, not to the system log");
+    command->add_option("FOLDER", arguments.files,
+                        "The folder's path, always spelled the same")
         ->option_text(" ")
         ->required()
         ->expected(1)
@@ -301,11 +298,14 @@ Answer complaintOf(const CLI::App &app, const std::string &message) {
                          "\nTry: " + program + " --help\n"};
 }
 
-/// What a command line without a command, or a command without its files, lacks.
+/// What a command line without a command, or a command without its files, lacks. An option that
+/// nobody knows is the better answer: it may have been meant as the file.
 std::string whatIsMissing(const CLI::App &app) {
     const auto named = app.get_subcommands();
     if (!named.empty()) {
-        return missingFilesOf(named.back()->get_name());
+        const std::vector<std::string> rest = named.back()->remaining();
+        return rest.empty() ? missingFilesOf(named.back()->get_name())
+                            : noSuchOption(rest.front()).what();
     }
     const std::vector<std::string> rest = app.remaining();
     return rest.empty() ? "a command is needed: convert, info, authorize or authorized"
@@ -336,6 +336,9 @@ Command parseCommandLine(int argc, const char *const *argv) {
     addStorage(app, arguments, words, "authorize", "Ask for access to a folder");
     const CLI::App *authorized =
         addStorage(app, arguments, words, "authorized", "Show the folder that was granted");
+    for (CLI::App *command : app.get_subcommands({})) { // before CLI11 looks for values elsewhere
+        command->preparse_callback([words](std::size_t) { refuseMissingValues(words); });
+    }
     try {
         app.parse(argc, argv);
         refuseNumbers(arguments.files, words);

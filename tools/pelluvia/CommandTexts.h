@@ -42,23 +42,25 @@ Examples:
 
 inline constexpr std::string_view convertFooter =
     R"(All sources are read, one after the other, into the one target. Formats are told
-by the ending, .gpx, .jsonl (a call log: one call a line), .nmea or .log (NMEA 0183),
-unless --from or --to name them; standard input and output are GPX unless they do.
+by the ending, .gpx, .jsonl (a call log: one call a line), .nmea or .log (NMEA
+0183), unless --from or --to name them; standard input and output are GPX unless
+they do.
 
-An NMEA source may be a serial device. It is read until Ctrl-C, SIGTERM or the end of
-the terminal, which bring the target to a proper end. What was not used of a source is
-said in one line.
+An NMEA source may be a serial device. It is read until Ctrl-C, SIGTERM or the
+end of the terminal, which bring the target to a proper end. What was not used
+of a source is said in one line.
 
-With --record, or any of the options behind it, all sources are recorded in memory and
-then replayed: waypoints, routes, tracks, each track in one segment. --minimize leaves
-out points on the way; a --point-slop or --slope-slop asks for that too.
+With --record, --minimize, a slop or --telemetry all sources are recorded in
+memory and then replayed: waypoints, routes, tracks, each track in one segment.
+--minimize leaves out points on the way; a --point-slop or --slope-slop asks for
+that too.
 
-Of a route, a GPX target holds the name and the comment but not the points; a call
-log holds all that was read.
+Of a route, a GPX target holds the name and the comment but not the points; a
+call log holds all that was read.
 
-The target gets its name when it is complete. When a source turns out bad, what was
-read before the fault is kept and said to be partial: under the target's name, or as
-TARGET.partial when a file of that name is already there.
+The target gets its name when it is complete. When a source turns out bad, what
+was read before the fault is kept and said to be partial: under the target's
+name, or as TARGET.partial when a file of that name is already there.
 
 Exit status:
   0  done
@@ -78,9 +80,9 @@ Examples:
   gpspipe -r | pelluvia convert --from nmea - ride.gpx)";
 
 inline constexpr std::string_view infoFooter =
-    R"(Prints for each file how many waypoints, routes and tracks it holds, their bounds and
-the first and last time of their points. Positions off the globe do not count for the
-bounds.
+    R"(Prints for each file how many waypoints, routes and tracks it holds, their
+bounds and the first and last time of their points. Positions off the globe do
+not count for the bounds.
 
 Exit status:
   0  done
@@ -94,10 +96,10 @@ Examples:
   pelluvia info --json ride.gpx | jq .tracks)";
 
 inline constexpr std::string_view authorizeFooter =
-    R"(Asks the user, with the desktop's own panel, for access to a folder, keeps what was
-granted, and prints its URL. The user may choose another folder than the one named;
-it is then the one that is granted for this name. Two spellings of a folder are two
-names, so give the whole path.
+    R"(Asks the user, with the desktop's own panel, for access to a folder, keeps what
+was granted, and prints its URL. The user may choose another folder than the one
+named; it is then the one that is granted for this name. Two spellings of a
+folder are two names, so give the whole path.
 
 Needs the storage component of Pelluvia and a desktop with a portal.
 
@@ -111,7 +113,8 @@ Example:
   pelluvia authorize ~/GPS)";
 
 inline constexpr std::string_view authorizedFooter =
-    R"(Prints the URL of the folder that was granted for the name with pelluvia authorize.
+    R"(Prints the URL of the folder that was granted for the name with pelluvia
+authorize.
 
 Exit status:
   0  there is a grant, and its folder is there and can be read

@@ -24,6 +24,17 @@ std::optional<Number> read(const std::string &text) {
 
 } // namespace
 
+void refuseMissingValues(std::span<const char *const> words) {
+    for (const std::string_view word : words) {
+        if (word == "--") {
+            return; // files behind it may have any name
+        }
+        if (word.starts_with("--") && word.find('=') == word.size() - 1) {
+            throw CLI::ValidationError(std::string(word), "nothing stands behind the =");
+        }
+    }
+}
+
 std::int64_t wholeNumberOf(const std::optional<std::string> &text, const char *option,
                            std::int64_t standard) {
     if (!text) {

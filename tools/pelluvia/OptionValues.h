@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 
 /// \file
@@ -11,6 +12,10 @@
 /// `CLI::ValidationError` that names the option.
 
 namespace pelluvia::host {
+
+/// Refuses an option with a "=" and nothing behind it, as a shell makes of --telemetry=$FILE
+/// without a FILE. To CLI11 the next word would be the value: a summary would overwrite a source.
+void refuseMissingValues(std::span<const char *const> words);
 
 /// A whole number from 0 on, or `standard` for an option that was not given.
 [[nodiscard]] std::int64_t wholeNumberOf(const std::optional<std::string> &text, const char *option,
