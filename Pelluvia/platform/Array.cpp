@@ -1,6 +1,6 @@
 #include <Pelluvia/platform/Array.h>
 
-#include <Pelluvia/platform/ContainerRelease.h>
+#include <Pelluvia/platform/internal/ContainerRelease.h>
 
 namespace pelluvia {
 

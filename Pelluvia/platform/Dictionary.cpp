@@ -1,6 +1,6 @@
 #include <Pelluvia/platform/Dictionary.h>
 
-#include <Pelluvia/platform/ContainerRelease.h>
+#include <Pelluvia/platform/internal/ContainerRelease.h>
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // Letting go of containers needs no stack, whatever is nested in what, and frees each exactly once.
 
-#include <Pelluvia/platform/ContainerRelease.h>
+#include <Pelluvia/platform/internal/ContainerRelease.h>
 
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
