@@ -14,17 +14,15 @@ namespace {
 /// As much as tags and texts of GPX files need.
 constexpr std::size_t usualLookAhead = 4096;
 
-/// The place behind what stands at `at` and is no plain text, but may stand in a text: a reference
-/// or a bracket. `at` itself for what may not stand there, or not without what follows `end`.
-const char *skipSpecial(const char *at, const char *end) noexcept {
+/// The place behind the reference at `at`; `at` itself where there is none, or not all of it.
+const char *skipReference(const char *at) noexcept {
     if (*at == '&') {
         static_cast<void>(readReference(at)); // moves only if there is one
-        return at;
     }
-    const bool isBracket = *at == ']' && begins(at, end, "]]>") == Look::refused;
-    return isBracket ? at + 1 : at;
+    return at;
 }
-/// No special thing is longer, nor a character.
+
+/// Nothing longer can look wrong in a text because it is cut off: no reference, character or `]]>`.
 constexpr std::ptrdiff_t longestSpecial = longestReference;
 
 } // namespace
@@ -97,7 +95,7 @@ bool ScanEngine::reportText(std::string_view text, const char *place) {
 const char *ScanEngine::endOfText(const char *at) const noexcept {
     while (true) {
         at = isWellFormed_ ? findMarkup(at) : skipText(at);
-        const char *const next = *at == '<' ? at : skipSpecial(at, window_.end());
+        const char *const next = skipReference(at);
         if (next == at) {
             return at;
         }
