@@ -14,9 +14,7 @@ namespace {
 using namespace std::string_view_literals;
 using testing::expectVerdict;
 using testing::XMLCase;
-constexpr auto scanned = testing::XMLVerdict::scanned;
-constexpr auto accepted = testing::XMLVerdict::accepted;
-constexpr auto malformed = testing::XMLVerdict::malformed;
+using enum testing::XMLVerdict;
 
 TEST(XMLScanCases, References) {
     constexpr XMLCase cases[] = {
