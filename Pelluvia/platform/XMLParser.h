@@ -60,13 +60,16 @@ inline constexpr std::size_t externalEntitySize = 1'000'000;
 inline constexpr std::size_t declarationsSize = 256'000;
 /// Attributes of an element, and namespace declarations in force.
 inline constexpr int attributes = 500;
+/// Different names, prefixes and namespace URIs of a document that the XML library reads, which
+/// keeps them all; looked at from time to time.
+inline constexpr std::size_t names = 100'000;
 } // namespace xmlLimits
 
 /// Who reads the documents.
 enum class XMLEngine {
     /// The scanner reads what it can, which is much faster; the XML library reads what is unusual,
     /// and finds the words for what is wrong. No delegate can tell the difference, except in a
-    /// document of more different names than the library bears (some 20 MB of them).
+    /// document of more different names than `xmlLimits::names`: the scanner forgets names.
     automatic,
     /// Always the XML library.
     libxml2

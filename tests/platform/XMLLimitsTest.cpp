@@ -4,6 +4,7 @@
 #include <memory>
 #include <tests/support/RecordingXMLDelegate.h>
 #include <tests/support/XMLSources.h>
+#include <utility>
 
 /// \file
 /// Documents that are made to exhaust whoever reads them.
@@ -178,6 +179,23 @@ TEST(XMLLimits, NamespaceDeclarationsInForceAreLimited) {
     EXPECT_EQ(codeOf(tag(300) + ">" + tag(300) + "/></a>"), 1);
     EXPECT_EQ(codeOf("<r>" + tag(300) + "/>" + tag(300) + "/></r>"), 0);
     EXPECT_EQ(codeOf(tag(200'000) + "/>"), 1);
+}
+
+/// Elements, attributes or instructions of ever new names.
+TEST(XMLLimits, TheNamesThatTheLibraryKeepsAreLimited) {
+    const auto document = [](std::size_t names, const char *before, const char *behind) {
+        std::string text = "<!DOCTYPE a><a>";
+        for (std::size_t i = 0; i < names; ++i) {
+            text.append(before).append(std::to_string(i)).append(behind);
+        }
+        return text + "</a>";
+    };
+    for (const auto &[before, behind] :
+         {std::pair("<n", "/>"), std::pair("<a n", "=''/>"), std::pair("<?n", "?>"),
+          std::pair("<a xmlns:n", "='u'/>"), std::pair("<a xmlns='u", "'/>")}) {
+        EXPECT_EQ(codeOf(document(xmlLimits::names / 2, before, behind)), 0) << before;
+        EXPECT_EQ(codeOf(document(2 * xmlLimits::names, before, behind)), 1) << before;
+    }
 }
 
 TEST(XMLLimits, DefaultedAttributesCountAsAmplification) {

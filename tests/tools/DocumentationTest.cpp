@@ -59,6 +59,7 @@ TEST(Documentation, TheLimitsOfTheParserAreTheRealOnes) {
           "`amplificationFactor` | " + grouped(xmlLimits::amplificationAllowance) + " bytes",
           "`declarationsSize` | " + grouped(xmlLimits::declarationsSize) + " bytes",
           "`attributes` | " + grouped(xmlLimits::attributes),
+          "`names` | " + grouped(xmlLimits::names),
           "`externalEntitySize`, " + grouped(xmlLimits::externalEntitySize) + " bytes"}) {
         EXPECT_THAT(security, ::testing::HasSubstr(limit));
     }

@@ -109,6 +109,10 @@ std::size_t Sax2Engine::read(char *to, std::size_t room) {
         context_->nsMax > 8 * xmlLimits::attributes) {
         failForAttributes();
     }
+    // The library finds a name among all that it keeps, the slower, the more there are.
+    if (static_cast<std::size_t>(xmlDictSize(context_->dict)) > xmlLimits::names) {
+        fail({XML_ERR_INTERNAL_ERROR, "Too many different names"});
+    }
     // The library keeps what it has not done with, and blank space outside elements altogether.
     const auto held = static_cast<std::size_t>(documentInput_->end - documentInput_->base);
     if (held > xmlLimits::textSize) {
