@@ -87,5 +87,21 @@ TEST(XMLScanCases, AsManyAttributesDeclarationsAndLevelsAsThereMayBe) {
     expectVerdict(nested(201, " xmlns:p='u'"), accepted);
 }
 
+TEST(XMLScanCases, EverNewElements) {
+    const auto elements = [](int names, int count, const std::string &text) {
+        std::string all = "<r>";
+        for (int i = 0; i < count; ++i) {
+            const std::string name = std::string("n").append(std::to_string(i % names));
+            all.append("<").append(name).append(">").append(text).append("</").append(name) += '>';
+        }
+        return all + "</r>";
+    };
+    expectVerdict(elements(10'000, 6'000, ""), scanned);
+    expectVerdict(elements(10'000, 10'000, ""), accepted);
+    expectVerdict(elements(3'000, 10'000, ""), accepted);
+    expectVerdict(elements(1'900, 10'000, ""), scanned);
+    expectVerdict(elements(10'000, 10'000, std::string(200, 'x')), scanned);
+}
+
 } // namespace
 } // namespace pelluvia

@@ -219,7 +219,7 @@ bool ScanEngine::readStart(char *at) {
     if (const Look look = readStartTag(at, window_.end(), tag_); look != Look::complete) {
         return lookAgain(look);
     }
-    Element *const element = elements_.child(open_, tag_);
+    Element *const element = repeatsItself() ? elements_.child(open_, tag_) : nullptr;
     if (element == nullptr) {
         return false;
     }
@@ -322,6 +322,9 @@ void ScanEngine::forgetIfFull() {
         lastPhrase_ = nullptr;
         if (elements_.isFull()) {
             elements_.keepOnly(open_);
+            const std::uint64_t place = window_.offset(window_.cursor());
+            quickFillings_ = place - lastFilling_ < quickFilling ? quickFillings_ + 1 : 0;
+            lastFilling_ = place;
         }
     }
 }

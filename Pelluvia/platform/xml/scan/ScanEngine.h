@@ -58,6 +58,10 @@ class ScanEngine final : public Engine {
     /// More text between the starts of two elements, or white space and comments around the root,
     /// is refused.
     static constexpr std::size_t longestText = 1'000'000;
+    /// A document is refused whose elements are ever new: that fills the memory of elements in less
+    /// than so many bytes, more than so many times in a row. The library is faster there.
+    static constexpr std::uint64_t quickFilling = 256'000;
+    static constexpr int mostQuickFillings = 3;
 
   private:
     // What the document consists of, in its order. All return false where the parse ends.
@@ -109,6 +113,10 @@ class ScanEngine final : public Engine {
     [[nodiscard]] bool seesAhead() const noexcept;
     void seeAhead();
     void forgetIfFull();
+    /// Whether that is worth while. A document that was read before is read again.
+    [[nodiscard]] bool repeatsItself() const noexcept {
+        return isWellFormed_ || quickFillings_ <= mostQuickFillings;
+    }
 
     XMLParser &parser_;
     XMLParserDelegate nobody_;
@@ -128,6 +136,8 @@ class ScanEngine final : public Engine {
     StartTag tag_;                         ///< scratch
     std::vector<XMLAttribute> attributes_; ///< scratch
     std::size_t textSize_ = 0;             ///< of the text since an element started
+    std::uint64_t lastFilling_ = 0;        ///< where the memory of elements was full
+    int quickFillings_ = 0;                ///< in a row
     Reported reported_;
     bool aborted_ = false;
 
