@@ -60,7 +60,7 @@ class ScanEngine final : public Engine {
     static constexpr std::size_t longestText = 1'000'000;
     /// A document is refused whose elements are ever new: that fills the memory of elements in less
     /// than so many bytes, more than so many times in a row. The library is faster there.
-    static constexpr std::uint64_t quickFilling = 256'000;
+    static constexpr std::uint64_t quickFilling = 64'000;
     static constexpr int mostQuickFillings = 3;
 
   private:
