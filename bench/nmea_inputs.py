@@ -52,7 +52,7 @@ def log_file(folder, megabytes):
             while size < megabytes * 1_000_000:
                 size += stream.write(epoch(ride, rng))
         os.rename(path + ".part", path)
-    return path
+    return inputs.read_anew(path)
 
 
 def count_epochs(path):
