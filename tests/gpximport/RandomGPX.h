@@ -16,7 +16,7 @@ namespace pelluvia::testing {
 /// one.
 class RandomGPX {
   public:
-    explicit RandomGPX(std::uint64_t seed) : chance_(seed) {}
+    explicit RandomGPX(std::uint64_t seed) : chance_(seed), rarely_(2 + seed % 23) {}
 
     [[nodiscard]] std::string content() {
         text_.clear();
@@ -28,7 +28,6 @@ class RandomGPX {
 
   private:
     static constexpr int deepest = 6;
-    static constexpr std::size_t rarely = 12;
 
     void addSection() {
         switch (chance_.below(5)) {
@@ -91,7 +90,7 @@ class RandomGPX {
                                        "gpxdata:distance",
                                        "gpxdata:temp",
                                        "gpxdata:index"};
-        if (chance_.oneIn(rarely)) {
+        if (chance_.oneIn(rarely_)) {
             return addAnything(depth);
         }
         const std::string_view name = chance_.oneOf(fields);
@@ -138,6 +137,7 @@ class RandomGPX {
     }
 
     Chance chance_;
+    std::size_t rarely_; ///< once in so many times stands anything where a field should
     std::string text_;
     std::size_t numbers_ = 0;
 };
