@@ -3,8 +3,8 @@
 //
 //     nmea_bench LOG [ROUNDS]
 
+#include <Pelluvia/formats/nmea/Driver.h>
 #include <Pelluvia/model/NullReceiver.h>
-#include <tools/pelluvia/nmea/Driver.h>
 
 #include <algorithm>
 #include <charconv>

@@ -7,10 +7,10 @@
 /// Times: every day of the years 1800 to 2200 at several instants, written and read, against
 /// gmtime_r and printf. Prints what was compared; the exit status is 1 when anything differs.
 
-#include <Pelluvia/companion/Companion.h>
-#include <Pelluvia/platform/NumberText.h>
-#include <Pelluvia/platform/Scanner.h>
-#include <Pelluvia/platform/TimestampText.h>
+#include <Pelluvia/text/Companion.h>
+#include <Pelluvia/text/NumberText.h>
+#include <Pelluvia/text/Scanner.h>
+#include <Pelluvia/text/TimestampText.h>
 
 #include <array>
 #include <bit>

@@ -9,7 +9,7 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 #include <Pelluvia/gpximport/GPXImportCounter.h>
 #include <Pelluvia/model/NullReceiver.h>
-#include <Pelluvia/platform/XMLParser.h>
+#include <Pelluvia/xml/XMLParser.h>
 
 #include <algorithm>
 #include <array>

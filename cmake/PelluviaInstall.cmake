@@ -17,8 +17,7 @@ install(TARGETS Pelluvia EXPORT PelluviaTargets
 file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/Pelluvia/*/*.h)
 list(FILTER headers EXCLUDE REGEX "Internal\\.h$")
 if(NOT TARGET PelluviaStorage)
-    list(FILTER headers EXCLUDE REGEX
-        "^Pelluvia/(storage/.*|platform/(UserDefaults|Bookmark|OpenPanel))\\.h$")
+    list(FILTER headers EXCLUDE REGEX "^Pelluvia/storage/")
 endif()
 foreach(header IN LISTS headers)
     cmake_path(GET header PARENT_PATH folder)

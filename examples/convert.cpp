@@ -6,11 +6,11 @@
 // error; messages to the main thread, which this host takes from the queue when it likes; a target
 // that appears only when it is complete.
 // Read first: list-waypoints.cpp, <Pelluvia/gpxwriter/GPXExporter.h>,
-// <Pelluvia/platform/MainThread.h>.
+// <Pelluvia/system/MainThread.h>.
 
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 #include <Pelluvia/gpxwriter/GPXExporter.h>
-#include <Pelluvia/platform/MainThread.h>
+#include <Pelluvia/system/MainThread.h>
 
 #include <cerrno>
 #include <cstdlib>

@@ -10,8 +10,8 @@
 
 #include <Pelluvia/gpxwriter/GPXExporter.h>
 #include <Pelluvia/model/ExtrasKeys.h>
-#include <Pelluvia/platform/MainThread.h>
 #include <Pelluvia/recording/RecordingGPSOutput.h>
+#include <Pelluvia/system/MainThread.h>
 
 #include <cerrno>
 #include <cstdlib>

@@ -5,11 +5,11 @@
 // Shows: an import on a thread of its own while the main loop runs; the loop watches the descriptor
 // of the framework's message queue, so that completion and errors arrive in the main thread. After
 // an error the target holds what was read before it; see convert.cpp for a target that is all or
-// nothing. Read first: convert.cpp, <Pelluvia/platform/MainThread.h>.
+// nothing. Read first: convert.cpp, <Pelluvia/system/MainThread.h>.
 
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 #include <Pelluvia/gpxwriter/GPXExporter.h>
-#include <Pelluvia/platform/MainThread.h>
+#include <Pelluvia/system/MainThread.h>
 
 #include <cerrno>
 #include <cstdlib>

@@ -5,8 +5,8 @@
 #include "StrictReceiver.h"
 
 #include <Pelluvia/gpximport/GPXFileImporter.h>
-#include <Pelluvia/platform/Log.h>
-#include <Pelluvia/platform/XMLParser.h>
+#include <Pelluvia/system/Log.h>
+#include <Pelluvia/xml/XMLParser.h>
 
 #include <cmath>
 #include <cstddef>

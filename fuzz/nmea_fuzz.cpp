@@ -4,12 +4,12 @@
 
 #include "StrictReceiver.h"
 
+#include <Pelluvia/formats/nmea/read/Decoder.h>
+#include <Pelluvia/formats/nmea/read/LineSplitter.h>
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/TransferKind.h>
-#include <Pelluvia/platform/Log.h>
+#include <Pelluvia/system/Log.h>
 #include <tests/support/SpyReceiver.h>
-#include <tools/pelluvia/nmea/Decoder.h>
-#include <tools/pelluvia/nmea/LineSplitter.h>
 
 #include <algorithm>
 #include <cmath>

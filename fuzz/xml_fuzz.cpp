@@ -2,7 +2,7 @@
 // report; and short ones again as the content of an element that repeats them. The last byte
 // chooses how much the scanner has in memory at a time. See fuzz/README.md.
 
-#include <Pelluvia/platform/Log.h>
+#include <Pelluvia/system/Log.h>
 #include <tests/support/XMLEngineComparison.h>
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Pelluvia/gpximport/ShortText.h>
-#include <Pelluvia/platform/Scanner.h>
+#include <Pelluvia/text/Scanner.h>
 
 #include <cstdint>
 #include <string_view>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <Pelluvia/companion/Companion.h>
 #include <Pelluvia/gpximport/CollectedNumber.h>
 #include <Pelluvia/gpximport/ShortText.h>
 #include <Pelluvia/model/GPSPoint.h>
+#include <Pelluvia/text/Companion.h>
 
 #include <cstdint>
 #include <string_view>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/platform/Value.h>
+#include <Pelluvia/values/Value.h>
 
 #include <cstddef>
 #include <string_view>

@@ -6,9 +6,9 @@
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/NullReceiver.h>
 #include <Pelluvia/model/TransferKind.h>
-#include <Pelluvia/platform/Localization.h>
-#include <Pelluvia/platform/Log.h>
-#include <Pelluvia/platform/XMLParser.h>
+#include <Pelluvia/system/Localization.h>
+#include <Pelluvia/system/Log.h>
+#include <Pelluvia/xml/XMLParser.h>
 
 #include <initializer_list>
 #include <utility>

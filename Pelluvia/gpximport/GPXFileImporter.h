@@ -5,12 +5,12 @@
 #include <Pelluvia/gpximport/CollectedText.h>
 #include <Pelluvia/gpximport/GPXImportCounter.h>
 #include <Pelluvia/model/GPSOutputReceiver.h>
-#include <Pelluvia/platform/Dictionary.h>
-#include <Pelluvia/platform/Error.h>
-#include <Pelluvia/platform/Export.h>
-#include <Pelluvia/platform/URL.h>
-#include <Pelluvia/platform/XMLParser.h>
-#include <Pelluvia/platform/XMLParserDelegate.h>
+#include <Pelluvia/values/Dictionary.h>
+#include <Pelluvia/values/Error.h>
+#include <Pelluvia/values/Export.h>
+#include <Pelluvia/values/URL.h>
+#include <Pelluvia/xml/XMLParser.h>
+#include <Pelluvia/xml/XMLParserDelegate.h>
 
 #include <cstdint>
 #include <memory>

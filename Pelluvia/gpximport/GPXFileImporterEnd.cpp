@@ -1,7 +1,7 @@
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
-#include <Pelluvia/platform/XMLParser.h>
+#include <Pelluvia/xml/XMLParser.h>
 
 /// \file
 /// The importer between the tags and at the end of elements: texts become values.

@@ -2,7 +2,7 @@
 
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/TransferKind.h>
-#include <Pelluvia/platform/Scanner.h>
+#include <Pelluvia/text/Scanner.h>
 
 /// \file
 /// What the importer sends to its receiver. Extras are filled in a fixed order, which receivers

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <Pelluvia/platform/Export.h>
-#include <Pelluvia/platform/XMLParserDelegate.h>
+#include <Pelluvia/values/Export.h>
+#include <Pelluvia/xml/XMLParserDelegate.h>
 
 #include <cstdint>
 #include <memory>

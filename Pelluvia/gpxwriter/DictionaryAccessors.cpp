@@ -1,7 +1,7 @@
 #include <Pelluvia/gpxwriter/GPXWriter.h>
 
 #include <Pelluvia/gpxwriter/internal/DictionaryStrings.h>
-#include <Pelluvia/platform/Text.h>
+#include <Pelluvia/text/Text.h>
 
 #include <cstdlib>
 #include <cstring>

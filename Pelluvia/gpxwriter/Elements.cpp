@@ -1,8 +1,8 @@
 #include <Pelluvia/gpxwriter/internal/Elements.h>
 
-#include <Pelluvia/companion/Companion.h>
 #include <Pelluvia/gpxwriter/GPXWriter.h>
-#include <Pelluvia/platform/NumberText.h>
+#include <Pelluvia/text/Companion.h>
+#include <Pelluvia/text/NumberText.h>
 
 #include <cstring>
 

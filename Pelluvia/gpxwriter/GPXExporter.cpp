@@ -2,7 +2,7 @@
 
 #include <Pelluvia/gpxwriter/internal/DictionaryStrings.h>
 #include <Pelluvia/model/ExtrasKeys.h>
-#include <Pelluvia/platform/Text.h>
+#include <Pelluvia/text/Text.h>
 
 #include <limits>
 #include <mutex>

@@ -3,8 +3,8 @@
 #include <Pelluvia/gpxwriter/GPXWriter.h>
 #include <Pelluvia/model/GPSOutputReceiver.h>
 #include <Pelluvia/model/GPXExporterProgress.h>
-#include <Pelluvia/platform/Export.h>
-#include <Pelluvia/platform/MainThread.h>
+#include <Pelluvia/system/MainThread.h>
+#include <Pelluvia/values/Export.h>
 
 #include <memory>
 #include <string>

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <Pelluvia/model/GPSPoint.h>
-#include <Pelluvia/platform/Dictionary.h>
-#include <Pelluvia/platform/Export.h>
-#include <Pelluvia/platform/OutputFile.h>
-#include <Pelluvia/platform/TimestampText.h>
+#include <Pelluvia/system/OutputFile.h>
+#include <Pelluvia/text/TimestampText.h>
+#include <Pelluvia/values/Dictionary.h>
+#include <Pelluvia/values/Export.h>
 
 #include <cstdint>
 #include <memory>

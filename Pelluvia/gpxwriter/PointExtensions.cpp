@@ -2,7 +2,7 @@
 
 #include <Pelluvia/gpxwriter/GPXWriter.h>
 #include <Pelluvia/model/ExtrasKeys.h>
-#include <Pelluvia/platform/Text.h>
+#include <Pelluvia/text/Text.h>
 
 #include <array>
 #include <cstdlib>

@@ -1,10 +1,10 @@
 #include <Pelluvia/gpxwriter/GPXWriter.h>
 
-#include <Pelluvia/companion/Companion.h>
 #include <Pelluvia/gpxwriter/internal/DictionaryStrings.h>
 #include <Pelluvia/gpxwriter/internal/Elements.h>
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/GPXNamespaces.h>
+#include <Pelluvia/text/Companion.h>
 
 #include <optional>
 

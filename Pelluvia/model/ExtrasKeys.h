@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/platform/Key.h>
+#include <Pelluvia/values/Key.h>
 
 /// \file
 /// The keys of the extras dictionaries: the named values beside points, and at the start of

@@ -3,8 +3,8 @@
 #include <Pelluvia/model/GPSPoint.h>
 #include <Pelluvia/model/Report.h>
 #include <Pelluvia/model/TransferKind.h>
-#include <Pelluvia/platform/Dictionary.h>
-#include <Pelluvia/platform/Export.h>
+#include <Pelluvia/values/Dictionary.h>
+#include <Pelluvia/values/Export.h>
 
 namespace pelluvia {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/platform/Error.h>
+#include <Pelluvia/values/Error.h>
 
 #include <string>
 #include <variant>

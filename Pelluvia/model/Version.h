@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/platform/Export.h>
+#include <Pelluvia/values/Export.h>
 
 /// \file
 /// The version symbols of the framework, with C linkage.

@@ -1,11 +1,11 @@
 #include <Pelluvia/nmea/NMEAUtils.h>
 
-#include <Pelluvia/platform/Calendar.h>
-#include <Pelluvia/platform/Log.h>
-#include <Pelluvia/platform/NumberText.h>
-#include <Pelluvia/platform/Scanner.h>
-#include <Pelluvia/platform/Text.h>
-#include <Pelluvia/platform/UTF16.h>
+#include <Pelluvia/system/Log.h>
+#include <Pelluvia/text/Calendar.h>
+#include <Pelluvia/text/NumberText.h>
+#include <Pelluvia/text/Scanner.h>
+#include <Pelluvia/text/Text.h>
+#include <Pelluvia/text/UTF16.h>
 
 #include <array>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/platform/Export.h>
+#include <Pelluvia/values/Export.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -22,7 +22,7 @@ namespace pelluvia {
 /// hexadecimal digits. Line ends are not part of it.
 ///
 /// Strings are UTF-8 of any content; nil is `std::nullopt`. Lengths and positions are counted in
-/// UTF-16 code units (see platform/UTF16.h), for the ASCII that sentences are made of the same as
+/// UTF-16 code units (see text/UTF16.h), for the ASCII that sentences are made of the same as
 /// bytes. Text that cannot be read, or is too short to hold what is looked for, never fails: each
 /// method says what it gives then.
 ///

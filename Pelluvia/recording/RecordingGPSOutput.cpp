@@ -1,6 +1,6 @@
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
-#include <Pelluvia/platform/MainThread.h>
+#include <Pelluvia/system/MainThread.h>
 
 namespace pelluvia {
 

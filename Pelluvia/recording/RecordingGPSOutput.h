@@ -3,10 +3,10 @@
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/GPSOutputReceiver.h>
 #include <Pelluvia/model/GPXExporterProgress.h>
-#include <Pelluvia/platform/Array.h>
-#include <Pelluvia/platform/Dictionary.h>
-#include <Pelluvia/platform/Export.h>
-#include <Pelluvia/platform/Selector.h>
+#include <Pelluvia/values/Array.h>
+#include <Pelluvia/values/Dictionary.h>
+#include <Pelluvia/values/Export.h>
+#include <Pelluvia/values/Selector.h>
 
 #include <cstdint>
 #include <memory>

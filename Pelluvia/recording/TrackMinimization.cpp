@@ -1,6 +1,6 @@
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
-#include <Pelluvia/platform/Number.h>
+#include <Pelluvia/values/Number.h>
 
 #include <cfloat>
 #include <cmath>

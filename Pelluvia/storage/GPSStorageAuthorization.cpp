@@ -1,13 +1,13 @@
 #include <Pelluvia/storage/GPSStorageAuthorization.h>
 
 #include <Pelluvia/model/ErrorDomains.h>
-#include <Pelluvia/platform/Bookmark.h>
-#include <Pelluvia/platform/CocoaErrors.h>
-#include <Pelluvia/platform/Localization.h>
-#include <Pelluvia/platform/Log.h>
-#include <Pelluvia/platform/OpenPanel.h>
-#include <Pelluvia/platform/UserDefaults.h>
+#include <Pelluvia/storage/Bookmark.h>
+#include <Pelluvia/storage/OpenPanel.h>
+#include <Pelluvia/storage/UserDefaults.h>
 #include <Pelluvia/storage/internal/Grant.h>
+#include <Pelluvia/system/Localization.h>
+#include <Pelluvia/system/Log.h>
+#include <Pelluvia/values/CocoaErrors.h>
 
 #include <memory>
 #include <utility>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <Pelluvia/platform/Data.h>
-#include <Pelluvia/platform/Error.h>
-#include <Pelluvia/platform/Export.h>
-#include <Pelluvia/platform/URL.h>
+#include <Pelluvia/values/Data.h>
+#include <Pelluvia/values/Error.h>
+#include <Pelluvia/values/Export.h>
+#include <Pelluvia/values/URL.h>
 
 #include <functional>
 #include <optional>

@@ -1,4 +1,4 @@
-#include <Pelluvia/platform/XMLParser.h>
+#include <Pelluvia/xml/XMLParser.h>
 #include <tests/gpximport/Importing.h>
 
 #include <gmock/gmock.h>

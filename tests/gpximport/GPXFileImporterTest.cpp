@@ -2,7 +2,7 @@
 
 #include <Pelluvia/model/ErrorDomains.h>
 #include <Pelluvia/model/TransferKind.h>
-#include <Pelluvia/platform/XMLParser.h>
+#include <Pelluvia/xml/XMLParser.h>
 #include <tests/gpximport/Importing.h>
 #include <tests/support/TemporaryFolder.h>
 

@@ -1,7 +1,7 @@
 #include <Pelluvia/gpximport/GPXImportCounter.h>
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
-#include <Pelluvia/platform/XMLParser.h>
+#include <Pelluvia/xml/XMLParser.h>
 #include <tests/gpximport/Importing.h>
 #include <tests/support/TemporaryFolder.h>
 

@@ -3,7 +3,7 @@
 
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
-#include <Pelluvia/platform/MainThread.h>
+#include <Pelluvia/system/MainThread.h>
 #include <tests/recording/Spies.h>
 
 #include <gtest/gtest.h>

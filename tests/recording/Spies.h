@@ -1,7 +1,7 @@
 #pragma once
 
-#include <Pelluvia/platform/Array.h>
 #include <Pelluvia/recording/RecordingGPSOutput.h>
+#include <Pelluvia/values/Array.h>
 
 #include <cstring>
 #include <string>

@@ -1,7 +1,7 @@
-#include "PanelTest.h"
+#include <tests/storage/PanelTest.h>
 
-#include <Pelluvia/platform/CocoaErrors.h>
 #include <Pelluvia/storage/GPSStorageAuthorization.h>
+#include <Pelluvia/values/CocoaErrors.h>
 
 #include <filesystem>
 #include <gmock/gmock.h>

@@ -1,10 +1,10 @@
-#include <Pelluvia/platform/storage/BookmarkRecord.h>
+#include <Pelluvia/storage/internal/BookmarkRecord.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 
-#include "BookmarkTexts.h"
+#include <tests/storage/BookmarkTexts.h>
 
 namespace pelluvia::storage {
 namespace {

@@ -1,9 +1,9 @@
-#include <Pelluvia/platform/Bookmark.h>
+#include <Pelluvia/storage/Bookmark.h>
 
-#include "BookmarkTexts.h"
-#include "Probe.h"
+#include <tests/storage/BookmarkTexts.h>
+#include <tests/storage/Probe.h>
 
-#include <Pelluvia/platform/CocoaErrors.h>
+#include <Pelluvia/values/CocoaErrors.h>
 
 #include <cstdlib>
 #include <filesystem>

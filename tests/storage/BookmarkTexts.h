@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/platform/Data.h>
+#include <Pelluvia/values/Data.h>
 
 #include <glib.h>
 #include <memory>

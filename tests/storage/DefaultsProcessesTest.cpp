@@ -1,7 +1,7 @@
-#include "OwnDefaults.h"
-#include "Probe.h"
+#include <tests/storage/OwnDefaults.h>
+#include <tests/storage/Probe.h>
 
-#include <Pelluvia/platform/storage/DefaultsFile.h>
+#include <Pelluvia/storage/internal/DefaultsFile.h>
 
 #include <array>
 #include <csignal>

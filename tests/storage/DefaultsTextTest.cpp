@@ -1,4 +1,4 @@
-#include <Pelluvia/platform/storage/DefaultsText.h>
+#include <Pelluvia/storage/internal/DefaultsText.h>
 
 #include <cmath>
 #include <gmock/gmock.h>

@@ -1,10 +1,10 @@
-#include "OwnDefaults.h"
-#include "PrivateBus.h"
-#include "Probe.h"
+#include <tests/storage/OwnDefaults.h>
+#include <tests/storage/PrivateBus.h>
+#include <tests/storage/Probe.h>
 
-#include <Pelluvia/platform/CocoaErrors.h>
-#include <Pelluvia/platform/OpenPanel.h>
 #include <Pelluvia/storage/GPSStorageAuthorization.h>
+#include <Pelluvia/storage/OpenPanel.h>
+#include <Pelluvia/values/CocoaErrors.h>
 
 #include <array>
 #include <csignal>

@@ -1,4 +1,4 @@
-#include <Pelluvia/platform/storage/DocumentStore.h>
+#include <Pelluvia/storage/internal/DocumentStore.h>
 
 #include <cstdlib>
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/platform/storage/GLibPointers.h>
+#include <Pelluvia/storage/internal/GLibPointers.h>
 
 #include <gio/gio.h>
 #include <gtest/gtest.h>

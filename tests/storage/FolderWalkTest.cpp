@@ -1,4 +1,4 @@
-#include <Pelluvia/platform/storage/FolderWalk.h>
+#include <Pelluvia/storage/internal/FolderWalk.h>
 
 #include <filesystem>
 #include <gtest/gtest.h>

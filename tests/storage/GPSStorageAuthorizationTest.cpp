@@ -1,11 +1,11 @@
 #include <Pelluvia/storage/GPSStorageAuthorization.h>
 
-#include "OwnDefaults.h"
+#include <tests/storage/OwnDefaults.h>
 
 #include <Pelluvia/model/ErrorDomains.h>
-#include <Pelluvia/platform/Bookmark.h>
-#include <Pelluvia/platform/CocoaErrors.h>
+#include <Pelluvia/storage/Bookmark.h>
 #include <Pelluvia/storage/internal/Grant.h>
+#include <Pelluvia/values/CocoaErrors.h>
 
 #include <filesystem>
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
-#include <Pelluvia/platform/OpenPanel.h>
+#include <Pelluvia/storage/OpenPanel.h>
 
-#include "PanelTest.h"
+#include <tests/storage/PanelTest.h>
 
 #include <gmock/gmock.h>
 #include <stdexcept>

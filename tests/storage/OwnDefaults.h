@@ -3,7 +3,7 @@
 #include <tests/support/LogCapture.h>
 #include <tests/support/TemporaryFolder.h>
 
-#include <Pelluvia/platform/UserDefaults.h>
+#include <Pelluvia/storage/UserDefaults.h>
 
 #include <cstdlib>
 #include <gtest/gtest.h>

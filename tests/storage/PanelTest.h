@@ -1,10 +1,10 @@
 #pragma once
 
-#include "OwnDefaults.h"
-#include "PrivateBus.h"
-#include "ScriptedPortal.h"
+#include <tests/storage/OwnDefaults.h>
+#include <tests/storage/PrivateBus.h>
+#include <tests/storage/ScriptedPortal.h>
 
-#include <Pelluvia/platform/OpenPanel.h>
+#include <Pelluvia/storage/OpenPanel.h>
 
 #include <memory>
 #include <optional>

@@ -1,7 +1,7 @@
-#include "FalseBus.h"
-#include "PanelTest.h"
+#include <tests/storage/FalseBus.h>
+#include <tests/storage/PanelTest.h>
 
-#include <Pelluvia/platform/storage/PortalErrors.h>
+#include <Pelluvia/storage/internal/PortalErrors.h>
 
 #include <gmock/gmock.h>
 

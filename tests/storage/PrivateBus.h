@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ChildProcess.h"
+#include <tests/storage/ChildProcess.h>
 
 #include <tests/support/TemporaryFolder.h>
 

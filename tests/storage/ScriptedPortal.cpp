@@ -1,4 +1,4 @@
-#include "ScriptedPortal.h"
+#include <tests/storage/ScriptedPortal.h>
 
 #include <algorithm>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 // Only where the command is built.
 #ifdef PELLUVIA_PROGRAM
-#include "PanelTest.h"
-#include "Probe.h"
+#include <tests/storage/PanelTest.h>
+#include <tests/storage/Probe.h>
 
-#include <Pelluvia/platform/Bookmark.h>
+#include <Pelluvia/storage/Bookmark.h>
 #include <Pelluvia/storage/GPSStorageAuthorization.h>
 
 #include <filesystem>

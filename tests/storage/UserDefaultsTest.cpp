@@ -1,7 +1,7 @@
-#include <Pelluvia/platform/UserDefaults.h>
+#include <Pelluvia/storage/UserDefaults.h>
 
-#include "OwnDefaults.h"
-#include "Probe.h"
+#include <tests/storage/OwnDefaults.h>
+#include <tests/storage/Probe.h>
 
 #include <filesystem>
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/platform/Log.h>
+#include <Pelluvia/system/Log.h>
 
 #include <string>
 #include <string_view>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <Pelluvia/platform/MainThread.h>
 #include <Pelluvia/recording/RecordingGPSOutput.h>
+#include <Pelluvia/system/MainThread.h>
 
 #include <tests/support/RecorderText.h>
 

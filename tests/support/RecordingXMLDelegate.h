@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/platform/XMLParser.h>
+#include <Pelluvia/xml/XMLParser.h>
 
 #include <functional>
 #include <span>

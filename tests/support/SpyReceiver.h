@@ -1,10 +1,10 @@
 #pragma once
 
 #include <Pelluvia/model/GPSOutputReceiver.h>
-#include <Pelluvia/platform/Array.h>
-#include <Pelluvia/platform/Dictionary.h>
-#include <Pelluvia/platform/Error.h>
-#include <Pelluvia/platform/XMLParser.h>
+#include <Pelluvia/values/Array.h>
+#include <Pelluvia/values/Dictionary.h>
+#include <Pelluvia/values/Error.h>
+#include <Pelluvia/xml/XMLParser.h>
 
 #include <array>
 #include <charconv>

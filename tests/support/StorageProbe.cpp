@@ -1,7 +1,7 @@
-#include <Pelluvia/platform/Bookmark.h>
-#include <Pelluvia/platform/Log.h>
-#include <Pelluvia/platform/UserDefaults.h>
+#include <Pelluvia/storage/Bookmark.h>
 #include <Pelluvia/storage/GPSStorageAuthorization.h>
+#include <Pelluvia/storage/UserDefaults.h>
+#include <Pelluvia/system/Log.h>
 
 #include <csignal>
 #include <cstdint>

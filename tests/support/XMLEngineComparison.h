@@ -1,7 +1,7 @@
 #pragma once
 
-#include <Pelluvia/platform/xml/Sax2Engine.h>
-#include <Pelluvia/platform/xml/scan/ScanEngine.h>
+#include <Pelluvia/xml/internal/sax2/Sax2Engine.h>
+#include <Pelluvia/xml/internal/scan/ScanEngine.h>
 
 #include <array>
 #include <cstddef>

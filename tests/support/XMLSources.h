@@ -1,7 +1,7 @@
 #pragma once
 
-#include <Pelluvia/platform/XMLParser.h>
-#include <Pelluvia/platform/xml/Source.h>
+#include <Pelluvia/xml/XMLParser.h>
+#include <Pelluvia/xml/internal/Source.h>
 
 #include <algorithm>
 #include <cstddef>

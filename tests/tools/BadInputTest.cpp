@@ -1,4 +1,4 @@
-#include "Pelluvia.h"
+#include <tests/tools/Pelluvia.h>
 
 #include <filesystem>
 #include <gmock/gmock.h>

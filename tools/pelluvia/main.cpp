@@ -1,11 +1,11 @@
-#include <tools/pelluvia/CommandLine.h>
-#include <tools/pelluvia/Convert.h>
-#include <tools/pelluvia/ExitStatus.h>
-#include <tools/pelluvia/Info.h>
-#include <tools/pelluvia/Messages.h>
-#include <tools/pelluvia/Process.h>
-#include <tools/pelluvia/StandardOutput.h>
-#include <tools/pelluvia/StorageHelper.h>
+#include <tools/pelluvia/commandline/CommandLine.h>
+#include <tools/pelluvia/commandline/ExitStatus.h>
+#include <tools/pelluvia/commands/Convert.h>
+#include <tools/pelluvia/commands/Info.h>
+#include <tools/pelluvia/commands/StorageHelper.h>
+#include <tools/pelluvia/files/StandardOutput.h>
+#include <tools/pelluvia/terminal/Messages.h>
+#include <tools/pelluvia/terminal/Process.h>
 
 #include <exception>
 #include <new>

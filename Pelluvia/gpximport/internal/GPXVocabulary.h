@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Pelluvia/model/GPXNamespaces.h>
-#include <Pelluvia/platform/XMLParserDelegate.h>
+#include <Pelluvia/xml/XMLParserDelegate.h>
 
 #include <array>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/platform/Dictionary.h>
+#include <Pelluvia/values/Dictionary.h>
 
 #include <string_view>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Pelluvia/gpxwriter/internal/TextCursor.h>
-#include <Pelluvia/platform/OutputFile.h>
+#include <Pelluvia/system/OutputFile.h>
 
 #include <cstddef>
 #include <cstdint>

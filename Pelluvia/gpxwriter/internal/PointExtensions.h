@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Pelluvia/gpxwriter/internal/TextCursor.h>
-#include <Pelluvia/platform/Dictionary.h>
+#include <Pelluvia/values/Dictionary.h>
 
 #include <cstddef>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <Pelluvia/platform/NumberText.h>
-#include <Pelluvia/platform/TimestampText.h>
+#include <Pelluvia/text/NumberText.h>
+#include <Pelluvia/text/TimestampText.h>
 
 #include <cstddef>
 #include <cstdint>

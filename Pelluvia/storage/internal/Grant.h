@@ -1,7 +1,7 @@
 #pragma once
 
-#include <Pelluvia/platform/Error.h>
-#include <Pelluvia/platform/URL.h>
+#include <Pelluvia/values/Error.h>
+#include <Pelluvia/values/URL.h>
 
 #include <optional>
 #include <string_view>

@@ -1,12 +1,12 @@
-#include <tools/pelluvia/ExitStatus.h>
-#include <tools/pelluvia/Messages.h>
-#include <tools/pelluvia/Process.h>
-#include <tools/pelluvia/StandardOutput.h>
+#include <tools/pelluvia/commandline/ExitStatus.h>
+#include <tools/pelluvia/files/StandardOutput.h>
+#include <tools/pelluvia/terminal/Messages.h>
+#include <tools/pelluvia/terminal/Process.h>
 
-#include <Pelluvia/platform/CocoaErrors.h>
-#include <Pelluvia/platform/Log.h>
-#include <Pelluvia/platform/UserDefaults.h>
 #include <Pelluvia/storage/GPSStorageAuthorization.h>
+#include <Pelluvia/storage/UserDefaults.h>
+#include <Pelluvia/system/Log.h>
+#include <Pelluvia/values/CocoaErrors.h>
 
 #include <exception>
 #include <glib.h>

@@ -1,0 +1,113 @@
+#include <Pelluvia/storage/UserDefaults.h>
+
+#include <Pelluvia/storage/internal/DefaultsFile.h>
+#include <Pelluvia/system/Log.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <mutex>
+#include <utility>
+
+namespace pelluvia {
+
+namespace {
+
+/// What the host calls the application.
+struct Identifier {
+    std::mutex mutex;
+    std::string text;
+};
+
+/// Never destroyed: defaults may be read while the process ends.
+Identifier &identifier() {
+    static auto &instance = *new Identifier; // NOLINT(cppcoreguidelines-owning-memory)
+    return instance;
+}
+
+std::string applicationName() {
+    const std::scoped_lock lock(identifier().mutex);
+    if (!identifier().text.empty()) {
+        return identifier().text;
+    }
+    const std::string program = program_invocation_short_name;
+    return program.empty() ? "Pelluvia" : program;
+}
+
+/// Where the user's applications keep their settings. Asked for anew each time, not once as GLib's
+/// function does, so that a host that sets the variable late is heard.
+std::string configurationFolder() {
+    const char *const set = std::getenv("XDG_CONFIG_HOME"); // NOLINT(concurrency-mt-unsafe)
+    return set != nullptr && *set == '/' ? set : std::string(g_get_home_dir()) + "/.config";
+}
+
+void tell(const std::string &problem) {
+    if (!problem.empty()) {
+        logLine(problem);
+    }
+}
+
+template <class T>
+std::optional<T> as(std::optional<DefaultsObject> object) {
+    auto *const value = object ? std::get_if<T>(&*object) : nullptr;
+    return value != nullptr ? std::optional<T>(std::move(*value)) : std::nullopt;
+}
+
+} // namespace
+
+UserDefaults UserDefaults::standardUserDefaults() {
+    return UserDefaults(configurationFolder() + "/" + applicationName());
+}
+
+bool UserDefaults::setApplicationIdentifier(std::string_view name) {
+    if (name.empty() || name == "." || name == ".." ||
+        name.find_first_of(std::string_view("/\0", 2)) != std::string_view::npos) {
+        return false;
+    }
+    const std::scoped_lock lock(identifier().mutex);
+    identifier().text = name;
+    return true;
+}
+
+UserDefaults::UserDefaults(std::string folder) : folder_(std::move(folder)) {}
+
+// Problems are told when the file's lock has been let go: who takes the log's lines may use the
+// defaults.
+
+void UserDefaults::setObject(const DefaultsObject &object, std::string_view key) const {
+    std::string problem;
+    storage::DefaultsFile(folder_).update(
+        [&](storage::DefaultsText &entries) { entries.set(key, object); }, problem);
+    tell(problem);
+}
+
+void UserDefaults::removeObjectForKey(std::string_view key) const {
+    std::string problem;
+    storage::DefaultsFile(folder_).update(
+        [&](storage::DefaultsText &entries) { entries.remove(key); }, problem);
+    tell(problem);
+}
+
+std::optional<DefaultsObject> UserDefaults::objectForKey(std::string_view key) const {
+    std::string problem;
+    const storage::DefaultsText entries = storage::DefaultsFile(folder_).read(problem);
+    tell(problem);
+    return entries.find(key);
+}
+
+std::optional<Data> UserDefaults::dataForKey(std::string_view key) const {
+    return as<Data>(objectForKey(key));
+}
+
+std::optional<std::string> UserDefaults::stringForKey(std::string_view key) const {
+    return as<std::string>(objectForKey(key));
+}
+
+std::optional<std::int64_t> UserDefaults::integerForKey(std::string_view key) const {
+    return as<std::int64_t>(objectForKey(key));
+}
+
+std::optional<double> UserDefaults::doubleForKey(std::string_view key) const {
+    return as<double>(objectForKey(key));
+}
+
+} // namespace pelluvia

@@ -1,0 +1,39 @@
+#include <tests/support/SpyReceiver.h>
+#include <tests/support/TemporaryFolder.h>
+
+#include <Pelluvia/formats/nmea/Driver.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+
+/// \file
+/// A log with something of everything is read and its calls compared, byte for byte, with the
+/// `.calls.txt` beside it. With PELLUVIA_WRITE_GOLDEN=1 in the environment the expected text is
+/// written instead; look at every changed line before you commit it.
+
+namespace pelluvia {
+namespace {
+
+TEST(GoldenCalls, OfALogWithSomethingOfEverythingAreTheExpectedOnes) {
+    testing::SpyReceiver spy;
+    const nmea::Outcome outcome =
+        nmea::readNMEA(testing::fixture("nmea/all-sentences.nmea"), {}, spy);
+    EXPECT_EQ(outcome.ending, nmea::Ending::Complete);
+    std::string text;
+    for (const std::string &call : spy.calls) {
+        text += call + "\n";
+    }
+    text += textOf(outcome.tally) + "\n";
+    const std::string golden = testing::fixture("nmea/all-sentences.calls.txt");
+    // Read in a single-threaded test program.
+    if (std::getenv("PELLUVIA_WRITE_GOLDEN") != nullptr) { // NOLINT(concurrency-mt-unsafe)
+        testing::writeFile(golden, text);
+        return;
+    }
+    EXPECT_EQ(text, testing::readFile(golden));
+}
+
+} // namespace
+} // namespace pelluvia

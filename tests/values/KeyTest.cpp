@@ -1,0 +1,126 @@
+#include <Pelluvia/values/Key.h>
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace pelluvia {
+namespace {
+
+constexpr Key count = Key::known("count");
+constexpr Key heartRate = Key::known("hr");
+
+TEST(Key, OfAKnownNameIsTheSameAtCompileTimeAndAtRunTime) {
+    for (const std::string_view name : knownKeyNames) {
+        EXPECT_EQ(Key(name).name(), name);
+    }
+    EXPECT_EQ(Key("hr"), heartRate);
+    EXPECT_EQ(Key("count"), count);
+    EXPECT_FALSE(heartRate == count);
+}
+
+TEST(Key, NamesAreAllDifferent) {
+    std::vector<std::string_view> names(knownKeyNames.begin(), knownKeyNames.end());
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(std::adjacent_find(names.begin(), names.end()), names.end());
+}
+
+TEST(Key, OfAnyOtherNameIsEqualToKeysOfThatNameOnly) {
+    const Key one("power");
+    const Key same(std::string("pow") + "er");
+    EXPECT_EQ(one, same);
+    EXPECT_EQ(one.name(), "power");
+    EXPECT_FALSE(one == Key("Power"));
+    EXPECT_FALSE(one == Key("powe"));
+    EXPECT_FALSE(one == heartRate);
+}
+
+TEST(Key, TakesEveryTextAsAName) {
+    const std::vector<std::string> names = {"",
+                                            " hr",
+                                            "hr ",
+                                            "\xC3\xA4",
+                                            std::string("a\0b", 3),
+                                            std::string("a\0c", 3),
+                                            std::string(100'000, 'x')};
+    for (const std::string &name : names) {
+        EXPECT_EQ(Key(name).name(), name);
+    }
+    EXPECT_FALSE(Key(names[4]) == Key(names[5]));
+}
+
+TEST(Key, KeepsItsNameWhileACopyLives) {
+    auto first = std::make_unique<Key>("sweat");
+    const Key copy = *first;
+    const std::string_view name = copy.name();
+    first.reset();
+    const Key other("tears");
+    EXPECT_EQ(name, "sweat");
+    EXPECT_EQ(copy, Key("sweat"));
+    EXPECT_FALSE(copy == other);
+}
+
+TEST(Key, MovedFromIsTheKeyCount) {
+    Key source("gone");
+    const Key target = std::move(source);
+    EXPECT_EQ(target.name(), "gone");
+    EXPECT_EQ(source, count); // NOLINT(bugprone-use-after-move): that is what is documented
+    source = Key("back");
+    EXPECT_EQ(source.name(), "back");
+}
+
+TEST(Key, SurvivesAssignmentOfItselfAndOfOthers) {
+    Key key("one");
+    const Key &alias = key;
+    key = alias;
+    EXPECT_EQ(key.name(), "one");
+    key = Key("two");
+    EXPECT_EQ(key.name(), "two");
+    key = heartRate;
+    EXPECT_EQ(key, heartRate);
+}
+
+TEST(Key, PlacesOfNamesThatNobodyUsesAreUsedAgain) {
+    for (int round = 0; round < 3; ++round) {
+        std::vector<Key> keys;
+        for (int i = 0; i < 1000; ++i) {
+            keys.emplace_back("round " + std::to_string(round) + " key " + std::to_string(i));
+        }
+        for (std::size_t i = 0; i < keys.size(); i += 2) {
+            keys[i] = heartRate;
+        }
+        keys.emplace_back("late");
+        for (std::size_t i = 1; i < 1000; i += 2) {
+            EXPECT_EQ(keys[i].name(),
+                      "round " + std::to_string(round) + " key " + std::to_string(i));
+        }
+        EXPECT_EQ(keys.back().name(), "late");
+    }
+}
+
+TEST(Key, CanBeMadeCopiedAndDestroyedOnManyThreads) {
+    const Key shared("shared by all");
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 4; ++number) {
+        threads.emplace_back([&shared, number] {
+            for (int i = 0; i < 5000; ++i) {
+                const Key copy = shared;
+                const Key own("thread " + std::to_string(number) + " key " + std::to_string(i % 7));
+                const Key again("shared by all");
+                ASSERT_EQ(copy, again);
+                ASSERT_EQ(own.name(), Key(own).name());
+            }
+        });
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(shared.name(), "shared by all");
+}
+
+} // namespace
+} // namespace pelluvia

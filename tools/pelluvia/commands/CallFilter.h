@@ -1,0 +1,54 @@
+#pragma once
+
+#include <tools/pelluvia/commandline/Options.h>
+
+#include <Pelluvia/model/GPSOutputReceiver.h>
+
+#include <memory>
+#include <utility>
+
+namespace pelluvia::host {
+
+/// A receiver that passes on what another one should see of the calls of a log.
+///
+/// Of transfers and of uploads of other kinds than the chosen ones nothing is passed on from their
+/// start to their end; warnings, errors, state changes and live positions that come meanwhile are.
+/// Calls outside of any transfer are passed on as well.
+///
+/// Threads: as for any receiver.
+class CallFilter : public GPSOutputReceiver {
+  public:
+    /// `holdsFinish`: the state change that ends the exchange is held back, for a receiver that is
+    /// to get more from other sources and is told by the host.
+    CallFilter(std::shared_ptr<GPSOutputReceiver> next, Selection only, bool holdsFinish)
+        : next_(std::move(next)), only_(only), holdsFinish_(holdsFinish) {}
+
+    void newTrackSegment() override;
+    void newTrack(const Dictionary *extra) override;
+    void newRoute(const Dictionary *extra) override;
+    void trackPoint(GPSPoint point, const Dictionary *extra) override;
+    void wayPoint(GPSPoint point, const Dictionary *extra) override;
+    void routePoint(GPSPoint point, const Dictionary *extra) override;
+    void poiPoint(GPSPoint point, const Dictionary *extra) override;
+    void lapInfoStart(GPSPoint start, GPSPoint end, const Dictionary *extras) override;
+    void startTransfer(const void *sender, int kind, const Dictionary *extra) override;
+    void endTransfer(int kind) override;
+    void currentPosition(GPSPoint point, int accuracy) override;
+    void warning(const Report &object) override;
+    void error(const Report &error) override;
+    void gpsStateChange(int state) override;
+    void startSending(const void *sender, int kind, const Dictionary *extra) override;
+    void sendProgress(int count) override;
+    void endSending(int kind) override;
+
+  private:
+    [[nodiscard]] bool isChosen(int kind) const noexcept;
+
+    std::shared_ptr<GPSOutputReceiver> next_;
+    Selection only_;
+    bool holdsFinish_;
+    bool dropsTransfer_ = false;
+    bool dropsSending_ = false;
+};
+
+} // namespace pelluvia::host
