@@ -12,6 +12,8 @@ inline constexpr std::string_view NSCocoaErrorDomain = "NSCocoaErrorDomain";
 
 /// In that domain: the user has closed a panel without choosing.
 inline constexpr std::int64_t userCanceledPanel = -128;
+/// In that domain: the host has stopped what was under way.
+inline constexpr std::int64_t NSUserCancelledError = 3072;
 /// In that domain: reading failed for a reason that has no code of its own.
 inline constexpr std::int64_t NSFileReadUnknownError = 256;
 /// In that domain: the user must not read the file.
