@@ -3,7 +3,7 @@
 //
 //     nmea_bench LOG [ROUNDS]
 
-#include <Pelluvia/formats/nmea/Driver.h>
+#include <Pelluvia/formats/nmea/NMEADriver.h>
 #include <Pelluvia/model/NullReceiver.h>
 
 #include <algorithm>
@@ -27,15 +27,15 @@ double seconds() {
 
 int measure(const char *path, int rounds) {
     std::vector<double> rates;
-    pelluvia::nmea::Outcome outcome;
+    pelluvia::NullReceiver receiver;
+    pelluvia::NMEADriver driver(receiver);
     for (int round = 0; round < rounds; ++round) {
-        pelluvia::NullReceiver receiver;
         const double start = seconds();
-        outcome = pelluvia::nmea::readNMEA(path, {}, receiver);
+        const auto error = driver.processFile(path);
         const double taken = seconds() - start;
-        const auto sentences =
-            outcome.tally.used + outcome.tally.notUsed + outcome.tally.badChecksum;
-        if (outcome.ending != pelluvia::nmea::Ending::Complete || sentences == 0) {
+        const pelluvia::NMEATally &tally = driver.tally();
+        const auto sentences = tally.used + tally.notUsed + tally.badChecksum;
+        if (error != nullptr || sentences == 0) {
             std::fprintf(stderr, "nmea_bench: %s cannot be read\n", path);
             return 1;
         }
@@ -44,7 +44,7 @@ int measure(const char *path, int rounds) {
     const auto middle = rates.begin() + static_cast<std::ptrdiff_t>(rates.size() / 2);
     std::nth_element(rates.begin(), middle, rates.end());
     std::printf("%s\n%.2f million sentences a second (bar %.1f)  %s\n",
-                textOf(outcome.tally).c_str(), *middle, bar, *middle >= bar ? "pass" : "FAIL");
+                textOf(driver.tally()).c_str(), *middle, bar, *middle >= bar ? "pass" : "FAIL");
     return *middle >= bar ? 0 : 1;
 }
 

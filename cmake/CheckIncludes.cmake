@@ -38,8 +38,14 @@ row(Pelluvia/nmea ${basis} Pelluvia/model)
 row(Pelluvia/recording ${basis} Pelluvia/model)
 row(Pelluvia/storage ${basis} Pelluvia/model)
 row(Pelluvia/storage/internal ${basis} Pelluvia/model Pelluvia/storage OUTSIDE ${posix} "^(gio|glib)")
-row(Pelluvia/formats/calllog ${basis} Pelluvia/model OUTSIDE ^nlohmann/json.hpp$ ${posix})
-row(Pelluvia/formats/nmea ${basis} Pelluvia/model Pelluvia/nmea OUTSIDE ${posix})
+row(Pelluvia/formats/internal ${basis} Pelluvia/model OUTSIDE ${posix})
+row(Pelluvia/formats/calllog ${basis} Pelluvia/model Pelluvia/formats/internal)
+row(Pelluvia/formats/calllog/internal
+    ${basis} Pelluvia/model Pelluvia/formats/internal Pelluvia/formats/calllog
+    OUTSIDE ^nlohmann/json.hpp$ ${posix})
+row(Pelluvia/formats/nmea ${basis} Pelluvia/model Pelluvia/nmea Pelluvia/formats/internal)
+row(Pelluvia/formats/nmea/live
+    ${basis} Pelluvia/model Pelluvia/formats/internal Pelluvia/formats/nmea OUTSIDE ${posix})
 row(tools/pelluvia/terminal ${basis} Pelluvia/model OUTSIDE ${posix})
 row(tools/pelluvia/files
     Pelluvia tools/pelluvia/commandline tools/pelluvia/terminal OUTSIDE ${posix} ^CLI/)

@@ -27,7 +27,7 @@ using fuzz::require;
 /// Follows the calls of one log.
 class RuleChecker : public fuzz::StrictReceiver {
   public:
-    void finish(const nmea::Tally &tally) const {
+    void finish(const NMEATally &tally) const {
         require(openKind_ == 0, "every transfer ends");
         require(tally.points == points_, "every point that is counted is sent");
         require(tally.waypoints == waypoints_, "every waypoint that is counted is sent");
@@ -105,7 +105,7 @@ class RuleChecker : public fuzz::StrictReceiver {
 };
 
 /// Decodes the bytes in pieces of the sizes that the seed makes, or, without one, at once.
-nmea::Tally decode(std::string_view bytes, const nmea::DecoderOptions &options,
+NMEATally decode(std::string_view bytes, const nmea::DecoderOptions &options,
                    std::optional<std::uint32_t> seed, RuleChecker &receiver) {
     nmea::LineSplitter splitter;
     nmea::Decoder decoder(receiver, options);
@@ -126,7 +126,7 @@ nmea::Tally decode(std::string_view bytes, const nmea::DecoderOptions &options,
     }
     splitter.finish(use);
     decoder.finish();
-    nmea::Tally tally = decoder.tally();
+    NMEATally tally = decoder.tally();
     tally.tooLong = splitter.droppedLines();
     receiver.finish(tally);
     return tally;
@@ -148,8 +148,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::string bytes(data, data + size);
     RuleChecker whole;
     RuleChecker inPieces;
-    const nmea::Tally tally = decode(bytes, options, std::nullopt, whole);
-    const nmea::Tally tallyOfPieces = decode(bytes, options, seed, inPieces);
+    const NMEATally tally = decode(bytes, options, std::nullopt, whole);
+    const NMEATally tallyOfPieces = decode(bytes, options, seed, inPieces);
     require(whole.calls() == inPieces.calls(), "the pieces make no difference to the calls");
     require(tally == tallyOfPieces, "nor to what is counted");
     return 0;

@@ -1,4 +1,4 @@
-#include <Pelluvia/formats/nmea/Driver.h>
+#include <Pelluvia/formats/nmea/NMEADriver.h>
 
 #include <tests/formats/nmea/Logs.h>
 #include <tests/support/TemporaryFolder.h>
@@ -61,11 +61,11 @@ TEST_F(Corpus, HoldsTheSamePointsAsEver) {
     };
     for (const auto &[name, counts] : expected) {
         CallList list;
-        const Outcome outcome = readNMEA((folder() / name).string(), {}, list);
-        EXPECT_EQ(outcome.ending, Ending::Complete) << name;
-        EXPECT_EQ(outcome.tally.points, counts.points) << name;
-        EXPECT_EQ(outcome.tally.waypoints, counts.waypoints) << name;
-        EXPECT_EQ(outcome.tally.badChecksum, counts.badChecksum) << name;
+        NMEADriver driver(list);
+        EXPECT_EQ(driver.processFile((folder() / name).string()), nullptr) << name;
+        EXPECT_EQ(driver.tally().points, counts.points) << name;
+        EXPECT_EQ(driver.tally().waypoints, counts.waypoints) << name;
+        EXPECT_EQ(driver.tally().badChecksum, counts.badChecksum) << name;
     }
 }
 

@@ -37,13 +37,13 @@ TEST(Decoder, CountsWhatItDoesNotUse) {
     log += std::string("\0\xB5\x62\n", 4);
     log += std::string(5000, 'x') + "\n\n \n";
     const auto decoded = decode(log);
-    EXPECT_EQ(decoded.tally, (Tally{.used = 1,
-                                    .notUsed = 4,
-                                    .badChecksum = 1,
-                                    .garbage = 2,
-                                    .tooLong = 1,
-                                    .points = 1,
-                                    .pointsWithoutDate = 1}));
+    EXPECT_EQ(decoded.tally, (NMEATally{.used = 1,
+                                        .notUsed = 4,
+                                        .badChecksum = 1,
+                                        .garbage = 2,
+                                        .tooLong = 1,
+                                        .points = 1,
+                                        .pointsWithoutDate = 1}));
 }
 
 TEST(Decoder, FindsSentencesBehindGarbageAndWithoutALineEndBetween) {

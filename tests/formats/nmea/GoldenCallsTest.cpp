@@ -1,7 +1,7 @@
 #include <tests/support/SpyReceiver.h>
 #include <tests/support/TemporaryFolder.h>
 
-#include <Pelluvia/formats/nmea/Driver.h>
+#include <Pelluvia/formats/nmea/NMEADriver.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -18,14 +18,13 @@ namespace {
 
 TEST(GoldenCalls, OfALogWithSomethingOfEverythingAreTheExpectedOnes) {
     testing::SpyReceiver spy;
-    const nmea::Outcome outcome =
-        nmea::readNMEA(testing::fixture("nmea/all-sentences.nmea"), {}, spy);
-    EXPECT_EQ(outcome.ending, nmea::Ending::Complete);
+    NMEADriver driver(spy);
+    EXPECT_EQ(driver.processFile(testing::fixture("nmea/all-sentences.nmea")), nullptr);
     std::string text;
     for (const std::string &call : spy.calls) {
         text += call + "\n";
     }
-    text += textOf(outcome.tally) + "\n";
+    text += textOf(driver.tally()) + "\n";
     const std::string golden = testing::fixture("nmea/all-sentences.calls.txt");
     // Read in a single-threaded test program.
     if (std::getenv("PELLUVIA_WRITE_GOLDEN") != nullptr) { // NOLINT(concurrency-mt-unsafe)

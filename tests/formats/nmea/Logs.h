@@ -30,7 +30,7 @@ inline std::string logOf(std::initializer_list<std::string_view> bodies) {
 /// What became of a log.
 struct Decoded {
     CallList list;
-    nmea::Tally tally;
+    NMEATally tally;
 };
 
 inline Decoded decode(std::string_view log, const nmea::DecoderOptions &options = {}) {

@@ -45,7 +45,7 @@ TEST(WaypointList, DoesNotTakeWhatMakesNoSense) {
 
 TEST(WaypointList, IsBounded) {
     pelluvia::testing::CallList list;
-    Tally tally;
+    NMEATally tally;
     WaypointList waypoints(tally);
     Sentence sentence;
     for (std::size_t i = 0; i < WaypointList::mostWaypoints + 3; ++i) {

@@ -1,7 +1,6 @@
 #include <tools/pelluvia/commandline/CommandLine.h>
 
-#include <Pelluvia/formats/nmea/Driver.h>
-#include <Pelluvia/formats/nmea/live/SerialPort.h>
+#include <Pelluvia/formats/nmea/NMEADriver.h>
 #include <tools/pelluvia/commandline/CommandTexts.h>
 #include <tools/pelluvia/commandline/CreatorText.h>
 #include <tools/pelluvia/commandline/ExitStatus.h>
@@ -66,16 +65,16 @@ std::string versionText() {
 }
 
 /// What the options of receivers say.
-nmea::DriverOptions driverOptions(const Arguments &arguments) {
-    nmea::DriverOptions options;
+NMEAOptions driverOptions(const Arguments &arguments) {
+    NMEAOptions options;
     options.baud = static_cast<long>(wholeNumberOf(arguments.baud, "--baud", options.baud));
-    options.decoder.longestGap = wholeNumberOf(arguments.gap, "--gap", options.decoder.longestGap);
-    if (!nmea::isBaudRate(options.baud)) {
+    options.longestGap = wholeNumberOf(arguments.gap, "--gap", options.longestGap);
+    if (!NMEADriver::isBaudRate(options.baud)) {
         throw CLI::ValidationError("--baud", "there is no such rate of serial lines");
     }
     if (arguments.date) {
-        options.decoder.day = nmea::dayOfOption(*arguments.date);
-        if (!options.decoder.day) {
+        options.day = NMEADriver::dayOf(*arguments.date);
+        if (!options.day) {
             throw CLI::ValidationError("--date", "a day since 1970 as YYYY-MM-DD is needed");
         }
     }

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <Pelluvia/formats/nmea/Driver.h>
+#include <Pelluvia/formats/nmea/NMEADriver.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <variant>
@@ -43,12 +44,19 @@ struct RecordingOptions {
     std::optional<std::string> telemetry; ///< where the summary goes; "-" is standard output
 };
 
+/// How sources of NMEA are read; see `NMEADriver`.
+struct NMEAOptions {
+    long baud = NMEADriver::standardBaudRate;
+    std::int64_t longestGap = NMEADriver::usualGap; ///< seconds
+    std::optional<std::int64_t> day;                ///< from 1970-01-01
+};
+
 struct ConvertOptions {
     std::vector<Source> sources; ///< read in this order, into one target
     std::string target;          ///< "-" is standard output
     Format targetFormat = Format::GPX;
     Selection only;
-    nmea::DriverOptions nmea; ///< for sources of that format
+    NMEAOptions nmea; ///< for sources of that format
     RecordingOptions recording;
     std::string
         creator; ///< for the header of a GPX target, as XML attribute text; empty: the default

@@ -1,8 +1,7 @@
 #include <tools/pelluvia/commands/Convert.h>
 
 #include <Pelluvia/formats/calllog/CallLogReader.h>
-#include <Pelluvia/formats/nmea/Driver.h>
-#include <Pelluvia/formats/nmea/live/LiveView.h>
+#include <Pelluvia/formats/nmea/NMEADriver.h>
 #include <tools/pelluvia/commandline/ExitStatus.h>
 #include <tools/pelluvia/commands/CallFilter.h>
 #include <tools/pelluvia/commands/Output.h>
@@ -153,25 +152,33 @@ class Conversion {
     std::optional<InputFault> readNMEA(const std::string &path) {
         // A receiver sends until somebody has enough of it; what came until then is a whole result.
         const InterruptWatch interrupts;
-        nmea::LiveView view([this](std::string_view text) {
-            bar_->setMuted(true);
-            writeToTerminal(text);
-        });
-        const nmea::Outcome outcome = nmea::readNMEA(path, options_.nmea, *filtered(),
-                                                     {.wakeUp = interrupts.descriptor(),
-                                                      .stop = output_.hasFailed,
-                                                      .view = bar_ != nullptr ? &view : nullptr});
-        view.clear();
+        const auto receiver = filtered();
+        NMEADriver driver(*receiver);
+        driver.setBaudRate(options_.nmea.baud);
+        driver.setLongestGap(options_.nmea.longestGap);
+        driver.setDay(options_.nmea.day);
+        driver.setEndDescriptor(interrupts.descriptor());
+        driver.setIsEnough(output_.hasFailed);
+        if (bar_ != nullptr) {
+            driver.setStatusLine([this](std::string_view text) {
+                bar_->setMuted(true);
+                writeToTerminal(text);
+            });
+        }
+        const ErrorPtr error =
+            path == "-" ? driver.processDescriptor(STDIN_FILENO) : driver.processFile(path);
         if (bar_ != nullptr) {
             bar_->setMuted(false);
         }
-        isInterrupted_ = outcome.ending == nmea::Ending::Interrupted;
+        isInterrupted_ = driver.ending() == NMEAEnding::Interrupted;
         // The receiver was told, too, of what is returned.
         [[maybe_unused]] const auto reports = collector_->collected();
-        if (outcome.ending != nmea::Ending::NotOpened) {
-            say(sourceName(path) + ": " + textOf(outcome.tally));
+        if (driver.ending() != NMEAEnding::NotOpened) {
+            say(sourceName(path) + ": " + textOf(driver.tally()));
         }
-        return outcome.error ? std::optional(InputFault{.message = outcome.problem}) : std::nullopt;
+        return error != nullptr
+                   ? std::optional(InputFault{.message = error->localizedDescription()})
+                   : std::nullopt;
     }
 
     /// A log may end the exchange by itself. A GPX document gets its end from us, since other

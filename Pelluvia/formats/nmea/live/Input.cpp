@@ -1,10 +1,8 @@
 #include <Pelluvia/formats/nmea/live/Input.h>
 
-#include <array>
 #include <cerrno>
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,17 +35,19 @@ bool isCharacterDevice(int descriptor) noexcept {
 
 } // namespace
 
-std::unique_ptr<Input> Input::open(const std::string &path, long baud, int wakeUp,
-                                   std::error_code &error) {
+std::unique_ptr<Input> Input::open(const std::string &path, long baud,
+                                   const formats::SourceWait &wait, std::error_code &error) {
     error.clear();
-    if (path == "-") {
-        return std::unique_ptr<Input>(new Input(STDIN_FILENO, false, wakeUp));
+    // The system would open what stands before it.
+    if (path.find('\0') != std::string::npos) {
+        error = errorOf(EINVAL);
+        return nullptr;
     }
     const int descriptor = openForReading(path, error);
     if (descriptor < 0) {
         return nullptr;
     }
-    std::unique_ptr<Input> input(new Input(descriptor, true, wakeUp));
+    std::unique_ptr<Input> input(new Input(descriptor, true, wait));
     if (isCharacterDevice(descriptor)) {
         // Any other than a terminal may give bytes without end, and none that a receiver sent.
         input->port_ = SerialPort::setUp(descriptor, baud, error);
@@ -58,8 +58,12 @@ std::unique_ptr<Input> Input::open(const std::string &path, long baud, int wakeU
     return input;
 }
 
-Input::Input(int descriptor, bool isOwned, int wakeUp) noexcept
-    : descriptor_(descriptor), isOwned_(isOwned), wakeUp_(wakeUp) {
+std::unique_ptr<Input> Input::borrow(int descriptor, const formats::SourceWait &wait) {
+    return std::unique_ptr<Input>(new Input(descriptor, false, wait));
+}
+
+Input::Input(int descriptor, bool isOwned, const formats::SourceWait &wait) noexcept
+    : descriptor_(descriptor), isOwned_(isOwned), wait_(wait) {
     struct stat status {};
     isLive_ = ::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode);
 }
@@ -73,10 +77,11 @@ Input::~Input() {
 
 Input::Result Input::read(std::span<char> buffer, std::size_t &size) {
     for (;;) {
-        Result result = Result::Bytes;
-        if (!wait(result)) {
+        const Result result = waitForBytes();
+        if (result != Result::Bytes) {
             return result;
         }
+        // A line that has hung up, or is broken, says so when it is read.
         const ssize_t count = ::read(descriptor_, buffer.data(), buffer.size());
         if (count > 0) {
             size = static_cast<std::size_t>(count);
@@ -84,34 +89,31 @@ Input::Result Input::read(std::span<char> buffer, std::size_t &size) {
         }
         if (count == 0) {
             // A file ends; a receiver does not, its line was cut.
-            return port_ != nullptr ? fail(EIO) : Result::End;
+            return port_ != nullptr ? fail(errorOf(EIO)) : Result::End;
         }
         if (errno != EINTR && errno != EAGAIN) {
-            return fail(errno);
+            return fail(errorOf(errno));
         }
     }
 }
 
-/// Until there is something to read. False when there never will be; `result` then says why.
-bool Input::wait(Result &result) {
-    std::array<pollfd, 2> asked = {pollfd{.fd = descriptor_, .events = POLLIN, .revents = 0},
-                                   pollfd{.fd = wakeUp_, .events = POLLIN, .revents = 0}};
-    while (::poll(asked.data(), asked.size(), -1) < 0) {
-        if (errno != EINTR && errno != EAGAIN) {
-            result = fail(errno);
-            return false;
-        }
+Input::Result Input::waitForBytes() {
+    std::error_code error;
+    switch (wait_.wait(descriptor_, error)) {
+    case formats::SourceWait::Result::Ended:
+        return Result::Interrupted;
+    case formats::SourceWait::Result::Stopped:
+        return Result::Stopped;
+    case formats::SourceWait::Result::Failed:
+        return fail(error);
+    case formats::SourceWait::Result::Readable:
+        break;
     }
-    if (asked[1].revents != 0) {
-        result = Result::Interrupted;
-        return false;
-    }
-    // A line that has hung up, or is broken, says so when it is read.
-    return true;
+    return Result::Bytes;
 }
 
-Input::Result Input::fail(int number) {
-    failure_ = errorOf(number);
+Input::Result Input::fail(const std::error_code &error) {
+    failure_ = error;
     return port_ != nullptr ? Result::Lost : Result::Failed;
 }
 

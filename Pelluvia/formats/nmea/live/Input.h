@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Pelluvia/formats/internal/SourceWait.h>
 #include <Pelluvia/formats/nmea/live/SerialPort.h>
 
 #include <cstddef>
@@ -10,29 +11,32 @@
 
 namespace pelluvia::nmea {
 
-/// Where sentences come from: a file, a pipe, standard input, or a receiver on a serial device.
+/// Where sentences come from: a file, a pipe, or a receiver on a serial device.
 ///
-/// Threads: one at a time; whoever interrupts it writes to the wake-up descriptor from anywhere, a
-/// signal handler too.
+/// Threads: one at a time.
 class Input {
   public:
     /// How an attempt to read ended.
     enum class Result {
         Bytes,       ///< there are some
         End,         ///< of the file, or the writer of the pipe has closed it
-        Interrupted, ///< the wake-up descriptor is readable
+        Interrupted, ///< the host has had enough
+        Stopped,     ///< a stop was requested
         Lost,        ///< the device has hung up, or is not there any more
         Failed       ///< it cannot be read; see `failure`
     };
 
-    /// Opens the path; "-" is standard input, as it is. A device must be a serial line, which is
-    /// set to `baud` bits a second; for files and pipes the rate has no meaning. `wakeUp` is
-    /// borrowed: a descriptor that becomes, and stays, readable when reading is to stop, or -1.
+    /// Opens the path. A device must be a serial line, which is set to `baud` bits a second; for
+    /// files and pipes the rate has no meaning. `wait` is borrowed.
     ///
     /// Null when it cannot be opened; `error` then says why. Opening never waits: not for the
     /// writer of a named pipe, nor for a modem.
-    [[nodiscard]] static std::unique_ptr<Input> open(const std::string &path, long baud, int wakeUp,
+    [[nodiscard]] static std::unique_ptr<Input> open(const std::string &path, long baud,
+                                                     const formats::SourceWait &wait,
                                                      std::error_code &error);
+    /// Reads an open descriptor as it is. Both arguments are borrowed.
+    [[nodiscard]] static std::unique_ptr<Input> borrow(int descriptor,
+                                                       const formats::SourceWait &wait);
 
     Input(const Input &) = delete;
     Input &operator=(const Input &) = delete;
@@ -46,16 +50,17 @@ class Input {
 
     /// Whether bytes come as they are made: from anything but a regular file.
     [[nodiscard]] bool isLive() const noexcept { return isLive_; }
+    [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
 
   private:
-    Input(int descriptor, bool isOwned, int wakeUp) noexcept;
-    [[nodiscard]] bool wait(Result &result);
-    [[nodiscard]] Result fail(int number);
+    Input(int descriptor, bool isOwned, const formats::SourceWait &wait) noexcept;
+    [[nodiscard]] Result waitForBytes();
+    [[nodiscard]] Result fail(const std::error_code &error);
 
     int descriptor_;
     bool isOwned_;
-    int wakeUp_;
     bool isLive_ = true;
+    const formats::SourceWait &wait_;
     std::unique_ptr<SerialPort> port_; ///< of a serial device
     std::error_code failure_;
 };

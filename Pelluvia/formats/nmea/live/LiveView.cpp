@@ -45,7 +45,7 @@ double LiveView::rate(Clock::time_point now, std::int64_t points) {
     return seconds > 0.0 ? static_cast<double>(points - first.points) / seconds : 0.0;
 }
 
-void LiveView::show(const Tally &tally, const Epoch &epoch) {
+void LiveView::show(const NMEATally &tally, const Epoch &epoch) {
     const Clock::time_point now = now_();
     if (!counts_.empty() && now - counts_.back().time < shortestInterval) {
         return;

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <Pelluvia/formats/nmea/NMEATally.h>
 #include <Pelluvia/formats/nmea/read/Epoch.h>
-#include <Pelluvia/formats/nmea/read/Tally.h>
 
 #include <chrono>
 #include <cstdint>
@@ -27,7 +27,7 @@ class LiveView {
     explicit LiveView(Write write, std::function<Clock::time_point()> now = Clock::now);
 
     /// Shows how things stand, unless the line was written a moment ago.
-    void show(const Tally &tally, const Epoch &epoch);
+    void show(const NMEATally &tally, const Epoch &epoch);
 
     /// Takes the line away, so that something else can be written there.
     void clear();

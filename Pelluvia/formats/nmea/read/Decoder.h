@@ -1,9 +1,9 @@
 #pragma once
 
+#include <Pelluvia/formats/nmea/NMEATally.h>
 #include <Pelluvia/formats/nmea/read/LineSplitter.h>
 #include <Pelluvia/formats/nmea/read/RouteList.h>
 #include <Pelluvia/formats/nmea/read/Sentence.h>
-#include <Pelluvia/formats/nmea/read/Tally.h>
 #include <Pelluvia/formats/nmea/read/TrackDecoder.h>
 #include <Pelluvia/formats/nmea/read/TrackSender.h>
 #include <Pelluvia/formats/nmea/read/WaypointList.h>
@@ -48,7 +48,7 @@ class Decoder {
     void finish();
 
     /// What was found so far.
-    [[nodiscard]] const Tally &tally() const noexcept { return tally_; }
+    [[nodiscard]] const NMEATally &tally() const noexcept { return tally_; }
     /// What the receiver said last about itself.
     [[nodiscard]] const Epoch &current() const noexcept { return track_.current(); }
 
@@ -57,7 +57,7 @@ class Decoder {
     [[nodiscard]] bool use();
 
     GPSOutputReceiver &receiver_;
-    Tally tally_;
+    NMEATally tally_;
     Sentence sentence_;
     bool hasChecksums_ = false; ///< a sentence had one
     TrackSender sender_;

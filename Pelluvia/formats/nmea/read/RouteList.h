@@ -1,7 +1,7 @@
 #pragma once
 
+#include <Pelluvia/formats/nmea/NMEATally.h>
 #include <Pelluvia/formats/nmea/read/Sentence.h>
-#include <Pelluvia/formats/nmea/read/Tally.h>
 #include <Pelluvia/formats/nmea/read/WaypointList.h>
 
 #include <Pelluvia/model/GPSOutputReceiver.h>
@@ -25,7 +25,7 @@ namespace pelluvia::nmea {
 class RouteList {
   public:
     /// The tally is borrowed.
-    explicit RouteList(Tally &tally) noexcept : tally_(tally) {}
+    explicit RouteList(NMEATally &tally) noexcept : tally_(tally) {}
 
     /// Takes a RTE; false when it makes no sense.
     [[nodiscard]] bool add(const Sentence &sentence);
@@ -39,7 +39,7 @@ class RouteList {
     void send(GPSOutputReceiver &receiver, const WaypointList &waypoints);
 
     /// So many routes are kept, and so many names in all of them; more are counted
-    /// (`Tally::beyondLimits`) and left out.
+    /// (`NMEATally::beyondLimits`) and left out.
     static constexpr std::size_t mostRoutes = 1000;
     static constexpr std::size_t mostNames = 100'000;
 
@@ -65,7 +65,7 @@ class RouteList {
     void giveUp();
     void sendRoute(GPSOutputReceiver &receiver, const SentRoute &route) const;
 
-    Tally &tally_;
+    NMEATally &tally_;
     Header openHeader_; ///< of the last sentence of the route that is coming; total 0: none is
     Route open_;
     bool isBroken_ = false; ///< a sentence of that route is missing, and this has been counted

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <Pelluvia/formats/nmea/NMEATally.h>
 #include <Pelluvia/formats/nmea/read/Fields.h>
-#include <Pelluvia/formats/nmea/read/Tally.h>
 
 #include <Pelluvia/model/GPSOutputReceiver.h>
 #include <Pelluvia/model/GPSPoint.h>
@@ -36,7 +36,7 @@ class TrackSender {
   public:
     /// The receiver and the tally are borrowed. `hasAssumedDay`: instants are good enough without a
     /// date, though a date is better.
-    TrackSender(GPSOutputReceiver &receiver, Tally &tally, milliseconds longestGap,
+    TrackSender(GPSOutputReceiver &receiver, NMEATally &tally, milliseconds longestGap,
                 bool hasAssumedDay) noexcept
         : receiver_(receiver),
           tally_(tally),
@@ -62,7 +62,7 @@ class TrackSender {
     [[nodiscard]] bool startsSegment(const TrackSample &sample) const noexcept;
 
     GPSOutputReceiver &receiver_;
-    Tally &tally_;
+    NMEATally &tally_;
     milliseconds longestGap_;
     bool hasAssumedDay_;
     bool isDated_ = false;

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <Pelluvia/formats/nmea/NMEATally.h>
 #include <Pelluvia/formats/nmea/read/Fields.h>
 #include <Pelluvia/formats/nmea/read/Sentence.h>
-#include <Pelluvia/formats/nmea/read/Tally.h>
 
 #include <Pelluvia/model/GPSOutputReceiver.h>
 
@@ -24,7 +24,7 @@ namespace pelluvia::nmea {
 class WaypointList {
   public:
     /// The tally is borrowed.
-    explicit WaypointList(Tally &tally) noexcept : tally_(tally) {}
+    explicit WaypointList(NMEATally &tally) noexcept : tally_(tally) {}
 
     /// Takes a WPL; false when it makes no sense.
     [[nodiscard]] bool add(const Sentence &sentence);
@@ -35,7 +35,7 @@ class WaypointList {
     /// Sends all as one transfer; nothing when there are none.
     void send(GPSOutputReceiver &receiver) const;
 
-    /// So many are kept; more are counted (`Tally::beyondLimits`) and left out.
+    /// So many are kept; more are counted (`NMEATally::beyondLimits`) and left out.
     static constexpr std::size_t mostWaypoints = 100'000;
 
   private:
@@ -44,7 +44,7 @@ class WaypointList {
         Position position;
     };
 
-    Tally &tally_;
+    NMEATally &tally_;
     std::vector<Waypoint> waypoints_;
     std::set<std::tuple<std::string, double, double>> known_;
     std::map<std::string, Position, std::less<>> latest_; ///< by name

@@ -1,8 +1,8 @@
-#include <Pelluvia/formats/nmea/read/Tally.h>
+#include <Pelluvia/formats/nmea/NMEATally.h>
 
 #include <string_view>
 
-namespace pelluvia::nmea {
+namespace pelluvia {
 
 namespace {
 
@@ -19,7 +19,7 @@ void addIfAny(std::string &text, std::int64_t count, std::string_view noun, std:
 
 } // namespace
 
-std::string textOf(const Tally &tally) {
+std::string textOf(const NMEATally &tally) {
     std::string text = counted(tally.used + tally.notUsed + tally.badChecksum, "sentence");
     text.append(", ").append(counted(tally.points, "point"));
     if (tally.waypoints != 0) {
@@ -41,4 +41,4 @@ std::string textOf(const Tally &tally) {
     return text;
 }
 
-} // namespace pelluvia::nmea
+} // namespace pelluvia

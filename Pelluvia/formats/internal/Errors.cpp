@@ -1,0 +1,32 @@
+#include <Pelluvia/formats/internal/Errors.h>
+
+#include <Pelluvia/values/CocoaErrors.h>
+
+#include <string_view>
+#include <utility>
+
+namespace pelluvia::formats {
+
+namespace {
+
+/// In the domain of the system's own error numbers.
+constexpr std::string_view posixErrorDomain = "NSPOSIXErrorDomain";
+
+} // namespace
+
+ErrorPtr systemError(const std::error_code &error, std::string description,
+                     const std::string &path) {
+    ErrorInfo info{{std::string(NSLocalizedDescriptionKey), std::move(description)}};
+    if (!path.empty()) {
+        info.emplace_back(std::string(NSFilePathErrorKey), path);
+    }
+    return Error::make(posixErrorDomain, error.value(), std::move(info));
+}
+
+ErrorPtr stopError() {
+    return Error::make(
+        NSCocoaErrorDomain, NSUserCancelledError,
+        {{std::string(NSLocalizedDescriptionKey), std::string("reading was stopped")}});
+}
+
+} // namespace pelluvia::formats
