@@ -26,6 +26,10 @@ if(PELLUVIA_BUILD_STORAGE)
     endif()
 endif()
 
+# Executables are position-independent, not only their code.
+include(CheckPIESupported)
+check_pie_supported()
+
 # Linked privately by every target of ours and never exported.
 add_library(pelluvia_options INTERFACE)
 target_compile_options(pelluvia_options INTERFACE
@@ -41,3 +45,31 @@ if(PELLUVIA_SANITIZE)
         -fsanitize=${PELLUVIA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
     target_link_options(pelluvia_options INTERFACE -fsanitize=${PELLUVIA_SANITIZE})
 endif()
+
+# What an attacker would make of a fault of ours is made harder. The checks of the C library need an
+# optimiser, and the sanitizers bring their own.
+include(CheckCXXCompilerFlag)
+set(PELLUVIA_HARDENED OFF)
+if(PELLUVIA_HARDENING AND NOT PELLUVIA_SANITIZE AND CMAKE_BUILD_TYPE MATCHES "^Rel|^MinSizeRel$")
+    set(PELLUVIA_HARDENED ON)
+    target_compile_options(pelluvia_options INTERFACE
+        -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+    foreach(flag -fstack-clash-protection -fcf-protection)
+        string(MAKE_C_IDENTIFIER "has${flag}" has_flag)
+        check_cxx_compiler_flag(${flag} ${has_flag})
+        if(${has_flag})
+            target_compile_options(pelluvia_options INTERFACE ${flag})
+        endif()
+    endforeach()
+    target_link_options(pelluvia_options INTERFACE LINKER:-z,relro,-z,now)
+endif()
+
+# pelluvia_runpath(target path): where the target's file looks for our libraries, from the folder it
+# lies in. The build tree lies as the installed one does, so the same path serves both: CMake would
+# make room for a longer one with empty entries, and those mean the working folder.
+function(pelluvia_runpath target path)
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN${path}")
+    if(PROJECT_IS_TOP_LEVEL)
+        set_target_properties(${target} PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
+    endif()
+endfunction()
