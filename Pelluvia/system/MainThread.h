@@ -1,11 +1,13 @@
 #pragma once
 
 #include <Pelluvia/values/Export.h>
+#include <Pelluvia/values/MessageTarget.h>
 #include <Pelluvia/values/Selector.h>
 
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <type_traits>
 #include <utility>
 
 /// \file
@@ -49,7 +51,8 @@ PELLUVIA_EXPORT std::size_t drain();
 PELLUVIA_EXPORT void setScheduler(Scheduler scheduler);
 
 /// Queues the call of `selector` on `target` with `argument`. Both are kept alive until it has run.
-/// A null target makes no message.
+/// A null target makes no message. `target` must have been a pointer to the class that the selector
+/// was made for.
 template <class Argument>
 void perform(std::shared_ptr<void> target, const Selector<Argument> &selector, Argument argument) {
     if (target != nullptr) {
@@ -57,6 +60,13 @@ void perform(std::shared_ptr<void> target, const Selector<Argument> &selector, A
             selector.perform(target.get(), argument);
         });
     }
+}
+
+/// Queues the target's message with `argument`. Both are kept alive until it has run, a weakly held
+/// target from now on. Makes no message where nobody is to be told.
+template <class Argument>
+void perform(const MessageTarget<Argument> &target, std::type_identity_t<Argument> argument) {
+    perform(target.object(), target.selector(), std::move(argument));
 }
 
 } // namespace pelluvia::mainThread

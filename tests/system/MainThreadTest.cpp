@@ -251,6 +251,20 @@ TEST_F(MainThreadTest, PerformWithoutATargetMakesNoMessage) {
     EXPECT_EQ(drain(), 0U);
 }
 
+TEST_F(MainThreadTest, PerformLocksAWeaklyHeldTargetUntilTheMessageHasRun) {
+    auto target = std::make_shared<Target>();
+    const auto heard = target->heard;
+    const std::weak_ptr<Target> watched = target;
+    const MessageTarget<std::string> weak(watched, &Target::take);
+    mainThread::perform(weak, "queued");
+    target = nullptr;
+    EXPECT_EQ(drain(), 1U);
+    EXPECT_EQ(*heard, "queued");
+    EXPECT_TRUE(watched.expired());
+    mainThread::perform(weak, "gone");
+    EXPECT_EQ(drain(), 0U);
+}
+
 TEST_F(MainThreadTest, ATargetMayPostWhenItGoes) {
     struct Farewell {
         ~Farewell() {

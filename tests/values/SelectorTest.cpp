@@ -25,6 +25,22 @@ TEST(Selector, CallsTheMethodWithTheArgument) {
     EXPECT_EQ(target.heard, "quiet c");
 }
 
+TEST(Selector, CallsConstantMethodsAndFunctionsForTheObjectThatItIsMadeFor) {
+    struct Reader {
+        void read(const std::string &text) const { *heard += text; }
+        std::string *heard;
+    };
+    std::string heard;
+    Reader reader{&heard};
+    Selector<std::string>(&Reader::read).perform(&reader, "a");
+    Selector<std::string>::forObject<Reader>([](Reader &object, const std::string &text) {
+        *object.heard += text;
+    }).perform(&reader, "b");
+    EXPECT_EQ(heard, "ab");
+    EXPECT_TRUE(Selector<std::string>(&Reader::read));
+    EXPECT_FALSE(Selector<std::string>::forObject<Reader>(nullptr));
+}
+
 TEST(Selector, CallsTheOverriddenMethod) {
     struct Base {
         virtual ~Base() = default;
