@@ -1,117 +1,136 @@
 #include <Pelluvia/xml/XMLParser.h>
 
+#include <Pelluvia/xml/internal/FileSource.h>
+#include <Pelluvia/xml/internal/KnownContent.h>
+#include <Pelluvia/xml/internal/MemorySource.h>
 #include <Pelluvia/xml/internal/sax2/Sax2Engine.h>
 #include <Pelluvia/xml/internal/scan/ScanEngine.h>
 
+#include <algorithm>
 #include <cstdlib>
-#include <libxml/xmlerror.h>
-#include <string_view>
+#include <string>
+#include <utility>
 
 namespace pelluvia {
 
-using Reader = XMLKnownFile::Reader;
 using xml::scan::ScanEngine;
 using Scanned = ScanEngine::Outcome;
 
-std::unique_ptr<XMLParser> XMLParser::initWithContentsOfURL(const std::optional<URL> &url) {
-    if (!url) {
-        return nullptr;
+/// One parse: which engine reads, and what becomes of it.
+class XMLParser::State {
+  public:
+    State(XMLParser &parser, std::unique_ptr<xml::Source> source)
+        : parser_(parser), source_(std::move(source)) {}
+
+    bool parse();
+    [[nodiscard]] xml::Position position() const {
+        return engine_ != nullptr ? engine_->position() : xml::Position();
     }
-    return std::make_unique<XMLParser>(std::make_unique<xml::FileSource>(url->path()));
-}
+    [[nodiscard]] std::uint64_t bytesRead() const noexcept {
+        return std::max(source_->bytesRead(), bytesReadBefore_);
+    }
+    [[nodiscard]] std::optional<std::uint64_t> sourceSize() const {
+        const auto size = source_->size();
+        return size ? std::optional(std::max(*size, bytesRead())) : std::nullopt;
+    }
+    void abort() {
+        if (engine_ != nullptr) {
+            engine_->abort();
+        }
+    }
 
-XMLParser::XMLParser(std::unique_ptr<xml::Source> source) : source_(std::move(source)) {}
+    // What the host sets and asks for.
+    XMLParserDelegate *delegate = nullptr;
+    XMLEngine wantedEngine = XMLEngine::automatic;
+    bool resolvesExternalEntities = false;
+    XMLKnownFile known;
+    ErrorPtr error;
 
-XMLParser::~XMLParser() = default;
+  private:
+    [[nodiscard]] ErrorPtr readDocument();
+    [[nodiscard]] ErrorPtr readUnknown();
+    [[nodiscard]] ErrorPtr readKnown();
+    [[nodiscard]] ErrorPtr readWithScanner();
+    [[nodiscard]] ErrorPtr readWithLibrary(xml::Reported reported);
+    [[nodiscard]] bool mayScan() const;
+    [[nodiscard]] bool hasChangedSince(const std::optional<xml::SourceState> &before) const;
+    [[nodiscard]] ErrorPtr changeError();
+    [[nodiscard]] ErrorPtr abortError() const;
 
-void XMLParser::setDelegate(XMLParserDelegate *delegate) noexcept {
-    delegate_ = delegate;
-}
+    XMLParser &parser_;
+    std::unique_ptr<xml::Source> source_;
+    std::uint64_t bytesReadBefore_ = 0;   ///< by the scanner, when the library has started anew
+    std::unique_ptr<xml::Engine> engine_; ///< once the parse has begun; reads from `source_`
+    bool parsed_ = false;
+};
 
-void XMLParser::setShouldResolveExternalEntities(bool should) noexcept {
-    resolvesExternalEntities_ = should;
-}
-
-void XMLParser::setEngine(XMLEngine engine) noexcept {
-    wantedEngine_ = engine;
-}
-
-void XMLParser::setKnownFile(const XMLKnownFile &file) {
-    file_ = file;
-}
-
-const XMLKnownFile &XMLParser::knownFile() const noexcept {
-    return file_;
-}
-
-bool XMLParser::parse() {
+bool XMLParser::State::parse() {
     if (parsed_) {
         return false;
     }
     parsed_ = true;
-    XMLParserDelegate *const delegate = delegate_;
-    if (const int errorNumber = source_->open(); errorNumber != 0) {
-        error_ = xml::makeError(
-            {XML_IO_LOAD_ERROR, "The file cannot be opened: " + xml::systemReason(errorNumber)},
-            {});
+    XMLParserDelegate *const listener = delegate;
+    if (const std::string reason = source_->open(); !reason.empty()) {
+        error = xml::makeError({xmlErrors::unreadable, "The file cannot be opened: " + reason}, {});
     } else {
-        error_ = readDocument();
+        error = readDocument();
     }
-    if (error_ && delegate != nullptr) {
-        delegate->parseErrorOccurred(*this, error_);
+    if (error && listener != nullptr) {
+        listener->parseErrorOccurred(parser_, error);
     }
-    return !error_;
+    return !error;
 }
 
-ErrorPtr XMLParser::readDocument() {
-    if (file_.reader_ == Reader::unknown) {
-        const auto state = source_->state();
-        file_.state_ = state ? std::make_shared<xml::FileState>(*state) : nullptr;
-        return readUnknown();
-    }
-    return fileHasChanged() ? changeError() : readKnown();
+ErrorPtr XMLParser::State::readDocument() {
+    return known.content() == nullptr ? readUnknown() : readKnown();
 }
 
 /// The scanner begins; where it gives up, the library reads the document from the start and reports
 /// what the scanner has not. What can be read only once is the library's.
-ErrorPtr XMLParser::readUnknown() {
-    file_.reader_ = Reader::library;
+ErrorPtr XMLParser::State::readUnknown() {
+    const auto content = std::make_shared<xml::KnownContent>();
+    content->state = source_->state();
+    known = XMLKnownFile(content);
     auto sourceForLibrary = mayScan() ? source_->again() : nullptr;
     if (sourceForLibrary == nullptr) {
         return readWithLibrary({});
     }
-    auto scan = std::make_unique<ScanEngine>(*this, *source_, delegate_);
+    auto scan = std::make_unique<ScanEngine>(parser_, *source_, delegate);
     ScanEngine &engine = *scan;
     engine_ = std::move(scan);
     switch (engine.run()) {
     case Scanned::wellFormed:
-        file_.reader_ = Reader::scanner;
+        content->isUsual = true;
         return nullptr;
     case Scanned::aborted:
-        file_ = {};
+        known = XMLKnownFile();
         return abortError();
     case Scanned::refused:
         break;
     }
     const xml::Reported reported = engine.reported();
     engine_.reset();
+    bytesReadBefore_ = source_->bytesRead();
     source_ = std::move(sourceForLibrary);
-    if (fileHasChanged()) {
+    if (hasChangedSince(content->state)) {
         return changeError(); // the library would not go on where the scanner was
     }
     return readWithLibrary(reported);
 }
 
-ErrorPtr XMLParser::readKnown() {
-    const bool isScanned = file_.reader_ == Reader::scanner && mayScan();
-    ErrorPtr error = isScanned ? readWithScanner() : readWithLibrary({});
-    return fileHasChanged() ? changeError() : error;
+ErrorPtr XMLParser::State::readKnown() {
+    const auto content = known.content();
+    if (hasChangedSince(content->state)) {
+        return changeError();
+    }
+    ErrorPtr outcome = content->isUsual && mayScan() ? readWithScanner() : readWithLibrary({});
+    return hasChangedSince(content->state) ? changeError() : outcome;
 }
 
 /// Reads what the scanner was able to read before.
-ErrorPtr XMLParser::readWithScanner() {
+ErrorPtr XMLParser::State::readWithScanner() {
     auto scan =
-        std::make_unique<ScanEngine>(*this, *source_, delegate_, ScanEngine::Document::wellFormed);
+        std::make_unique<ScanEngine>(parser_, *source_, delegate, ScanEngine::Document::wellFormed);
     ScanEngine &engine = *scan;
     engine_ = std::move(scan);
     switch (engine.run()) {
@@ -126,50 +145,102 @@ ErrorPtr XMLParser::readWithScanner() {
     return failure ? xml::makeError(*failure, engine.position()) : changeError();
 }
 
-ErrorPtr XMLParser::readWithLibrary(xml::Reported reported) {
-    auto library = std::make_unique<xml::Sax2Engine>(*this, *source_, delegate_,
-                                                     resolvesExternalEntities_, reported);
+ErrorPtr XMLParser::State::readWithLibrary(xml::Reported reported) {
+    auto library = std::make_unique<xml::Sax2Engine>(parser_, *source_, delegate,
+                                                     resolvesExternalEntities, reported);
     xml::Sax2Engine &engine = *library;
     engine_ = std::move(library);
     return engine.run();
 }
 
-bool XMLParser::mayScan() const {
+bool XMLParser::State::mayScan() const {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): hosts set it before they start threads
     const char *const wanted = std::getenv("PELLUVIA_XML_ENGINE");
-    return wantedEngine_ == XMLEngine::automatic &&
+    return wantedEngine == XMLEngine::automatic &&
            (wanted == nullptr || std::string_view(wanted) != "libxml2");
 }
 
-ErrorPtr XMLParser::abortError() const {
+bool XMLParser::State::hasChangedSince(const std::optional<xml::SourceState> &before) const {
+    return before && source_->state() != *before;
+}
+
+ErrorPtr XMLParser::State::changeError() {
+    engine_.reset(); // its place in the document means nothing
+    return xml::makeError({xmlErrors::unreadable, "The file has changed since it was first read"},
+                          {});
+}
+
+ErrorPtr XMLParser::State::abortError() const {
     return xml::makeError(xml::abortFailure(), engine_->position());
 }
 
-bool XMLParser::fileHasChanged() const {
-    return file_.state_ != nullptr && source_->state() != *file_.state_;
+std::unique_ptr<XMLParser> XMLParser::initWithContentsOfURL(const std::optional<URL> &url) {
+    if (!url) {
+        return nullptr;
+    }
+    return std::make_unique<XMLParser>(std::make_unique<xml::FileSource>(url->path()));
 }
 
-ErrorPtr XMLParser::changeError() {
-    engine_.reset(); // its place in the file means nothing
-    return xml::makeError({XML_IO_LOAD_ERROR, "The file has changed since it was first read"}, {});
+std::unique_ptr<XMLParser> XMLParser::initWithDescriptor(int descriptor) {
+    return std::make_unique<XMLParser>(
+        std::make_unique<xml::FileSource>(descriptor, xml::Ownership::borrowed));
+}
+
+std::unique_ptr<XMLParser> XMLParser::initWithData(std::string_view bytes) {
+    return std::make_unique<XMLParser>(std::make_unique<xml::MemorySource>(bytes));
+}
+
+XMLParser::XMLParser(std::unique_ptr<xml::Source> source)
+    : state_(std::make_unique<State>(*this, std::move(source))) {}
+
+XMLParser::~XMLParser() = default;
+
+void XMLParser::setDelegate(XMLParserDelegate *delegate) noexcept {
+    state_->delegate = delegate;
+}
+
+void XMLParser::setShouldResolveExternalEntities(bool should) noexcept {
+    state_->resolvesExternalEntities = should;
+}
+
+void XMLParser::setEngine(XMLEngine engine) noexcept {
+    state_->wantedEngine = engine;
+}
+
+void XMLParser::setKnownFile(const XMLKnownFile &file) {
+    state_->known = file;
+}
+
+const XMLKnownFile &XMLParser::knownFile() const noexcept {
+    return state_->known;
+}
+
+bool XMLParser::parse() {
+    return state_->parse();
 }
 
 void XMLParser::abortParsing() {
-    if (engine_) {
-        engine_->abort();
-    }
+    state_->abort();
 }
 
 const ErrorPtr &XMLParser::parserError() const noexcept {
-    return error_;
+    return state_->error;
 }
 
 std::int64_t XMLParser::lineNumber() const noexcept {
-    return engine_ ? engine_->position().line : 0;
+    return state_->position().line;
 }
 
 std::int64_t XMLParser::columnNumber() const noexcept {
-    return engine_ ? engine_->position().column : 0;
+    return state_->position().column;
+}
+
+std::uint64_t XMLParser::bytesRead() const noexcept {
+    return state_->bytesRead();
+}
+
+std::optional<std::uint64_t> XMLParser::sourceSize() const noexcept {
+    return state_->sourceSize();
 }
 
 } // namespace pelluvia

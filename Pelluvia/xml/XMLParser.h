@@ -3,6 +3,9 @@
 #include <Pelluvia/values/Error.h>
 #include <Pelluvia/values/Export.h>
 #include <Pelluvia/values/URL.h>
+#include <Pelluvia/xml/XMLErrors.h>
+#include <Pelluvia/xml/XMLKnownFile.h>
+#include <Pelluvia/xml/XMLLimits.h>
 #include <Pelluvia/xml/XMLParserDelegate.h>
 
 #include <cstdint>
@@ -13,57 +16,8 @@
 namespace pelluvia {
 
 namespace xml {
-class Engine;
 class Source;
-struct FileState;
-struct Reported;
 } // namespace xml
-
-/// The domain of the errors that the parser makes. Codes are those of the underlying XML library,
-/// among them
-///
-///     1     a limit was reached (see `xmlLimits`)
-///     4     empty document
-///     9     a byte or character that XML does not allow
-///     32    unknown encoding
-///     76    mismatched tags
-///     77    the document ends within an element
-///     81    a declared encoding that the bytes contradict
-///     89    entities that refer to themselves or grow too much
-///     1549  the file cannot be opened or read
-///     6003  bytes that are no text in the encoding of the document
-///
-/// and the one below.
-inline constexpr std::string_view NSXMLParserErrorDomain = "NSXMLParserErrorDomain";
-/// The parse was stopped by `abortParsing`.
-inline constexpr int NSXMLParserDelegateAbortedParseError = 512;
-
-/// Keys of a parser error's user information, which also has `NSLocalizedDescriptionKey`: where it
-/// was found, both counted from 1 (integers). Both are 0 when the file could not be opened.
-inline constexpr std::string_view NSXMLParserErrorLineNumber = "NSXMLParserErrorLineNumber";
-inline constexpr std::string_view NSXMLParserErrorColumn = "NSXMLParserErrorColumn";
-
-/// Limits on what a document may ask for. Exceeding one is a parse error. Together they see to it
-/// that the work for a document grows no faster than its size, and memory not at all.
-namespace xmlLimits {
-/// Elements inside elements.
-inline constexpr std::size_t depth = 256;
-/// Bytes of the text between two tags, or of one attribute value.
-inline constexpr std::size_t textSize = 10'000'000;
-/// References to entities, and defaults of attributes, may add to a document: this many bytes, and
-/// beyond them this factor of what was read.
-inline constexpr std::size_t amplificationAllowance = 1'000'000;
-inline constexpr std::size_t amplificationFactor = 5;
-/// Bytes of all external entities of a document together. What would exceed it is not read.
-inline constexpr std::size_t externalEntitySize = 1'000'000;
-/// Bytes of the document type declaration, with its external parts.
-inline constexpr std::size_t declarationsSize = 256'000;
-/// Attributes of an element, and namespace declarations in force.
-inline constexpr int attributes = 500;
-/// Different names, prefixes and namespace URIs of a document that the XML library reads, which
-/// keeps them all; looked at from time to time.
-inline constexpr std::size_t names = 100'000;
-} // namespace xmlLimits
 
 /// Who reads the documents.
 enum class XMLEngine {
@@ -75,24 +29,8 @@ enum class XMLEngine {
     libxml2
 };
 
-/// What a parse has found out about a file, for further parses of the same file: they need not look
-/// first who can read it, and fail if the file has changed in between. Nothing is known at first.
-class XMLKnownFile {
-  public:
-    enum class Reader { unknown, scanner, library };
-
-    /// Whether a parse has read the file to its end, and it is well-formed and in no way unusual.
-    [[nodiscard]] bool isUsual() const noexcept { return reader_ == Reader::scanner; }
-
-  private:
-    friend class XMLParser;
-
-    Reader reader_ = Reader::unknown;
-    std::shared_ptr<const xml::FileState> state_; ///< null when it is in no file
-};
-
-/// Reads one XML 1.0 document from a file and reports it to a delegate event by event, in constant
-/// memory and always with namespaces processed.
+/// Reads one XML 1.0 document and reports it to a delegate event by event, in constant memory and
+/// always with namespaces processed.
 ///
 ///     auto parser = XMLParser::initWithContentsOfURL(URL::fileURLWithPath("ride.gpx"));
 ///     parser->setDelegate(&delegate);
@@ -100,13 +38,17 @@ class XMLKnownFile {
 ///         report(parser->parserError());
 ///     }
 ///
+/// The document is in a file, comes from an open descriptor, or is in memory; the events are the
+/// same.
+///
 /// Text and attribute values are delivered as XML 1.0 defines them: references resolved, line ends
-/// as one LF, in UTF-8 whatever the encoding of the file. Any encoding that the system's iconv
+/// as one LF, in UTF-8 whatever the encoding of the document. Any encoding that the system's iconv
 /// knows can be read.
 ///
 /// External entities are read only when that is turned on, only from regular files inside the
 /// folder that holds the document (symbolic links followed first), and never over the network. A
-/// refused or missing one stands for no text and is logged.
+/// refused or missing one stands for no text and is logged. A document that was not opened by its
+/// path is in no folder: none of its external entities are read.
 ///
 /// A prefix that is not declared is not an error: the element is in no namespace. Comments and
 /// processing instructions are passed over; documents are not validated.
@@ -119,9 +61,21 @@ class XMLKnownFile {
 /// Threads: one parser on one thread; parsers on different threads do not disturb each other.
 class PELLUVIA_EXPORT XMLParser {
   public:
-    /// A parser for the file, which is opened by `parse`; null for nil.
+    /// A parser for the file, which is opened by `parse`; null for nil. A path with a zero byte in
+    /// it names no file: the parse fails.
     [[nodiscard]] static std::unique_ptr<XMLParser>
     initWithContentsOfURL(const std::optional<URL> &url);
+
+    /// A parser for what can be read from an open descriptor. It is borrowed: it stays open, and
+    /// must be until the parser is gone. A regular file is read from where the descriptor stands
+    /// now, and it stands there still after the parse, so that another parser can read the same.
+    /// Anything else, such as a pipe, is read to its end, and is then empty. Never null; the parse
+    /// fails where nothing can be read.
+    [[nodiscard]] static std::unique_ptr<XMLParser> initWithDescriptor(int descriptor);
+
+    /// A parser for a document in memory. The bytes are not copied: they must stay as they are
+    /// until the parser is gone. Never null.
+    [[nodiscard]] static std::unique_ptr<XMLParser> initWithData(std::string_view bytes);
 
     XMLParser(const XMLParser &) = delete;
     XMLParser &operator=(const XMLParser &) = delete;
@@ -138,9 +92,9 @@ class PELLUVIA_EXPORT XMLParser {
     /// `libxml2`, that is always the library.
     void setEngine(XMLEngine engine) noexcept;
 
-    /// What an earlier parse has found out about the same file, by its `knownFile`.
+    /// What an earlier parse has found out about the same document, by its `knownFile`.
     void setKnownFile(const XMLKnownFile &file);
-    /// What is known about the file after the parse.
+    /// What is known about the document after the parse.
     [[nodiscard]] const XMLKnownFile &knownFile() const noexcept;
 
     /// Parses the whole document, on the calling thread. True when it was well-formed and nobody
@@ -160,28 +114,20 @@ class PELLUVIA_EXPORT XMLParser {
     [[nodiscard]] std::int64_t lineNumber() const noexcept;
     [[nodiscard]] std::int64_t columnNumber() const noexcept;
 
-    /// A parser for something else than a file. Not for hosts: they cannot make a source.
+    /// How many bytes of the source were read: up to some 100,000 more than have led to events.
+    /// Never falls. After a document that was read to its end this is all of it.
+    [[nodiscard]] std::uint64_t bytesRead() const noexcept;
+    /// How many bytes there are to read; never less than were read. Nothing for what can be read
+    /// only once, such as a pipe, and for a file given by its URL until it is open. Of a descriptor
+    /// and of data it is known at once: so it tells whether another parser could read the same.
+    [[nodiscard]] std::optional<std::uint64_t> sourceSize() const noexcept;
+
+    /// A parser for something else. Not for hosts: they cannot make a source.
     explicit XMLParser(std::unique_ptr<xml::Source> source);
 
   private:
-    [[nodiscard]] ErrorPtr readDocument();
-    [[nodiscard]] ErrorPtr readUnknown();
-    [[nodiscard]] ErrorPtr readKnown();
-    [[nodiscard]] ErrorPtr readWithScanner();
-    [[nodiscard]] ErrorPtr readWithLibrary(xml::Reported reported);
-    [[nodiscard]] bool mayScan() const;
-    [[nodiscard]] bool fileHasChanged() const;
-    [[nodiscard]] ErrorPtr changeError();
-    [[nodiscard]] ErrorPtr abortError() const;
-
-    std::unique_ptr<xml::Source> source_;
-    std::unique_ptr<xml::Engine> engine_; ///< once the parse has begun
-    XMLParserDelegate *delegate_ = nullptr;
-    XMLEngine wantedEngine_ = XMLEngine::automatic;
-    XMLKnownFile file_;
-    bool resolvesExternalEntities_ = false;
-    bool parsed_ = false;
-    ErrorPtr error_;
+    class State;
+    std::unique_ptr<State> state_;
 };
 
 } // namespace pelluvia

@@ -23,14 +23,16 @@ class TextSource final : public xml::Source {
                         std::size_t step = std::numeric_limits<std::size_t>::max(), int failure = 0)
         : text_(std::move(text)), step_(step), failure_(failure) {}
 
-    [[nodiscard]] ssize_t read(char *to, std::size_t size) override {
+    [[nodiscard]] std::unique_ptr<xml::Source> again() const override {
+        return std::make_unique<TextSource>(text_, step_, failure_);
+    }
+
+  protected:
+    [[nodiscard]] ssize_t readSome(char *to, std::size_t size) override {
         const std::size_t count = std::min({size, step_, text_.size() - position_});
         std::memcpy(to, text_.data() + position_, count);
         position_ += count;
         return count == 0 && failure_ != 0 ? -failure_ : static_cast<ssize_t>(count);
-    }
-    [[nodiscard]] std::unique_ptr<xml::Source> again() const override {
-        return std::make_unique<TextSource>(text_, step_, failure_);
     }
 
   private:
@@ -49,7 +51,11 @@ class RepeatingSource final : public xml::Source {
           tail_(std::move(tail)),
           size_(size) {}
 
-    [[nodiscard]] ssize_t read(char *to, std::size_t size) override {
+    /// Bytes that were read.
+    [[nodiscard]] std::size_t position() const noexcept { return position_; }
+
+  protected:
+    [[nodiscard]] ssize_t readSome(char *to, std::size_t size) override {
         std::size_t count = 0;
         while (count < size) {
             const std::string_view piece = next().substr(0, size - count);
@@ -62,9 +68,6 @@ class RepeatingSource final : public xml::Source {
         }
         return static_cast<ssize_t>(count);
     }
-
-    /// Bytes that were read.
-    [[nodiscard]] std::size_t position() const noexcept { return position_; }
 
   private:
     /// What follows at the position, in part.

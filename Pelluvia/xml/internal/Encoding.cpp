@@ -1,9 +1,10 @@
 #include <Pelluvia/xml/internal/Encoding.h>
 
+#include <Pelluvia/xml/XMLErrors.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <libxml/xmlerror.h>
 
 namespace pelluvia::xml {
 
@@ -113,7 +114,7 @@ void applyDeclaration(Encoding &encoding, std::string_view text) {
          {"utf-16"sv, "utf16"sv, "utf-32"sv, "utf32"sv, "ucs-2"sv, "ucs-4"sv, "iso-10646-ucs"sv}) {
         if (folded.starts_with(wide)) {
             encoding.failure =
-                Failure{XML_ERR_INVALID_ENCODING,
+                Failure{xmlErrors::contradictedEncoding,
                         "Document labelled " + std::string(name) + " but has UTF-8 content"};
             return;
         }

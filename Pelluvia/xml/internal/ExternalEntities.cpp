@@ -1,7 +1,8 @@
 #include <Pelluvia/xml/internal/ExternalEntities.h>
 
 #include <Pelluvia/system/Log.h>
-#include <Pelluvia/xml/XMLParser.h>
+#include <Pelluvia/xml/XMLLimits.h>
+#include <Pelluvia/xml/internal/FileSource.h>
 #include <Pelluvia/xml/internal/Input.h>
 
 #include <algorithm>
@@ -91,7 +92,7 @@ std::optional<EntityText> ExternalEntities::load(std::string_view systemIdentifi
     EntityFile file = open(systemIdentifier, declaringPath);
     EntityText entity;
     if (file.descriptor >= 0) {
-        FileSource source(file.descriptor);
+        FileSource source(file.descriptor, Ownership::owned);
         file.reason = readAll(source, xmlLimits::externalEntitySize - loadedSize_, entity.text);
     }
     if (!file.reason.empty()) {

@@ -1,6 +1,6 @@
 #include <Pelluvia/xml/internal/Failure.h>
 
-#include <Pelluvia/xml/XMLParser.h>
+#include <Pelluvia/xml/XMLErrors.h>
 
 #include <cstddef>
 #include <cstring>

@@ -1,8 +1,9 @@
 #include <Pelluvia/xml/internal/Input.h>
 
+#include <Pelluvia/xml/XMLErrors.h>
+
 #include <algorithm>
 #include <cstring>
-#include <libxml/xmlerror.h>
 
 namespace pelluvia::xml {
 
@@ -29,7 +30,7 @@ bool Input::begin() {
         converter_ = Converter::open(encoding_.name);
         if (!converter_) {
             encoding_.failure =
-                Failure{XML_ERR_UNSUPPORTED_ENCODING, "Unsupported encoding " + encoding_.name};
+                Failure{xmlErrors::unknownEncoding, "Unsupported encoding " + encoding_.name};
         }
     }
     if (encoding_.failure) {
@@ -56,7 +57,7 @@ std::size_t Input::readSource(char *to, std::size_t room) {
     const ssize_t count = sourceEnded_ ? 0 : source_.read(to, room);
     sourceEnded_ = count <= 0;
     if (count < 0) {
-        failure_ = Failure{XML_IO_LOAD_ERROR,
+        failure_ = Failure{xmlErrors::unreadable,
                            "The file cannot be read: " + systemReason(static_cast<int>(-count))};
     }
     return count > 0 ? static_cast<std::size_t>(count) : 0;
@@ -94,12 +95,12 @@ std::size_t Input::convert(char *to, std::size_t room) {
     }
     if (outcome == Converter::Outcome::invalid) {
         finished_ = true;
-        failure_ = Failure{XML_I18N_CONV_FAILED, "Input is not proper " + encoding_.name};
+        failure_ = Failure{xmlErrors::notInEncoding, "Input is not proper " + encoding_.name};
     } else if (outcome != Converter::Outcome::full && !fill()) {
         if (!unread_.empty()) {
             finished_ = true;
             failure_ = failure_.value_or(Failure{
-                XML_I18N_CONV_FAILED, "Input ends within a character of " + encoding_.name});
+                xmlErrors::notInEncoding, "Input ends within a character of " + encoding_.name});
         } else if (room - size >= leastRoom) {
             finished_ = true;
             static_cast<void>(converter_->finish(to, room, size));

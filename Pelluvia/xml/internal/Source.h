@@ -5,20 +5,20 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 
 #include <sys/types.h>
 
 namespace pelluvia::xml {
 
-/// What tells whether a file is still as it was.
-struct FileState {
-    std::uint64_t device = 0;
-    std::uint64_t inode = 0;
-    std::int64_t size = 0;             ///< bytes
+/// What tells whether the bytes of a source can still be the same.
+struct SourceState {
+    std::uint64_t device = 0;          ///< 0 for bytes in memory
+    std::uint64_t inode = 0;           ///< or the address in memory
+    std::int64_t begin = 0;            ///< where in the file the document begins
+    std::int64_t size = 0;             ///< bytes, of the whole file
     std::int64_t modifiedSeconds = 0;  ///< since 1970, UTC
     std::int64_t modifiedFraction = 0; ///< nanoseconds
-    [[nodiscard]] bool operator==(const FileState &) const = default;
+    [[nodiscard]] bool operator==(const SourceState &) const = default;
 };
 
 /// Where the bytes of a document come from.
@@ -29,46 +29,40 @@ class Source {
     Source &operator=(const Source &) = delete;
     virtual ~Source() = default;
 
-    /// Gets ready to be read. Returns 0 or an `errno` value.
-    [[nodiscard]] virtual int open() { return 0; }
+    /// Gets ready to be read. Returns why it cannot, or an empty text.
+    [[nodiscard]] virtual std::string open() { return {}; }
+
     /// Reads at most `size` bytes. Returns their number, 0 at the end, or a negated `errno` value.
-    [[nodiscard]] virtual ssize_t read(char *to, std::size_t size) = 0;
+    [[nodiscard]] ssize_t read(char *to, std::size_t size) {
+        const ssize_t count = readSome(to, size);
+        bytesRead_ += count > 0 ? static_cast<std::uint64_t>(count) : 0;
+        return count;
+    }
+    /// How many bytes `read` has given.
+    [[nodiscard]] std::uint64_t bytesRead() const noexcept { return bytesRead_; }
 
     /// Another source of the same bytes, open and at their beginning, or null when they can be read
     /// only once. To be asked of an open source.
     [[nodiscard]] virtual std::unique_ptr<Source> again() const { return nullptr; }
 
-    /// The present state of the regular file that the bytes are in, if there is one.
-    [[nodiscard]] virtual std::optional<FileState> state() const { return std::nullopt; }
+    /// How many bytes there were when the source was opened; nothing when they can be read only
+    /// once, and when it is not open yet.
+    [[nodiscard]] virtual std::optional<std::uint64_t> size() const { return std::nullopt; }
 
-    /// The path of the document, or an empty one when it is not in a file.
+    /// The present state of the bytes, if they can be read more than once.
+    [[nodiscard]] virtual std::optional<SourceState> state() const { return std::nullopt; }
+
+    /// The path of the document, or an empty one when it was not opened by one.
     [[nodiscard]] virtual std::string path() const { return {}; }
     /// The open file, or -1.
     [[nodiscard]] virtual int descriptor() const noexcept { return -1; }
-};
 
-/// A file. Closed when the object goes.
-class FileSource final : public Source {
-  public:
-    /// The file at a path, opened by `open`.
-    explicit FileSource(std::string path) : path_(std::move(path)) {}
-    /// A file that is open already; takes it over.
-    explicit FileSource(int descriptor) : descriptor_(descriptor) {}
-    ~FileSource() override;
-
-    [[nodiscard]] int open() override;
-    [[nodiscard]] ssize_t read(char *to, std::size_t size) override;
-    [[nodiscard]] std::unique_ptr<Source> again() const override;
-    [[nodiscard]] std::optional<FileState> state() const override;
-    [[nodiscard]] std::string path() const override { return path_; }
-    [[nodiscard]] int descriptor() const noexcept override { return descriptor_; }
+  protected:
+    /// Does the work of `read`.
+    [[nodiscard]] virtual ssize_t readSome(char *to, std::size_t size) = 0;
 
   private:
-    std::string path_;
-    int descriptor_ = -1;
-    /// Where to read next in a regular file, whose readers share no position; of anything else
-    /// nothing is known.
-    std::optional<off_t> position_;
+    std::uint64_t bytesRead_ = 0;
 };
 
 } // namespace pelluvia::xml

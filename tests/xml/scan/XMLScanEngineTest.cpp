@@ -285,7 +285,7 @@ TEST(ScanEngine, ReadsDamagedOnesAsTheLibraryDoes) {
 TEST(ScanEngine, KnowsNoPlaceInWhatCanBeReadOnlyOnce) {
     class Once final : public Source {
       public:
-        [[nodiscard]] ssize_t read(char *to, std::size_t size) override {
+        [[nodiscard]] ssize_t readSome(char *to, std::size_t size) override {
             return source_.read(to, size);
         }
 

@@ -1,10 +1,25 @@
 #include <Pelluvia/xml/internal/sax2/Sax2Engine.h>
 
+#include <Pelluvia/xml/XMLErrors.h>
+
+#include <libxml/xmlerror.h>
 #include <mutex>
 #include <new>
 #include <utility>
 
 namespace pelluvia::xml {
+
+// The codes that hosts see are the library's.
+static_assert(xmlErrors::limit == XML_ERR_INTERNAL_ERROR);
+static_assert(xmlErrors::emptyDocument == XML_ERR_DOCUMENT_EMPTY);
+static_assert(xmlErrors::wrongCharacter == XML_ERR_INVALID_CHAR);
+static_assert(xmlErrors::unknownEncoding == XML_ERR_UNSUPPORTED_ENCODING);
+static_assert(xmlErrors::mismatchedTags == XML_ERR_TAG_NAME_MISMATCH);
+static_assert(xmlErrors::endsEarly == XML_ERR_TAG_NOT_FINISHED);
+static_assert(xmlErrors::contradictedEncoding == XML_ERR_INVALID_ENCODING);
+static_assert(xmlErrors::entities == XML_ERR_ENTITY_LOOP);
+static_assert(xmlErrors::unreadable == XML_IO_LOAD_ERROR);
+static_assert(xmlErrors::notInEncoding == XML_I18N_CONV_FAILED);
 
 Sax2Engine::Sax2Engine(XMLParser &parser, Source &source, XMLParserDelegate *delegate,
                        bool resolvesExternalEntities, Reported reported)

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <Pelluvia/xml/XMLParser.h>
+#include <Pelluvia/xml/XMLLimits.h>
 #include <Pelluvia/xml/XMLParserDelegate.h>
 #include <Pelluvia/xml/internal/Engine.h>
-#include <Pelluvia/xml/internal/EntityBudget.h>
 #include <Pelluvia/xml/internal/ExternalEntities.h>
 #include <Pelluvia/xml/internal/Failure.h>
 #include <Pelluvia/xml/internal/Input.h>
-#include <Pelluvia/xml/internal/NameTable.h>
 #include <Pelluvia/xml/internal/Source.h>
+#include <Pelluvia/xml/internal/sax2/EntityBudget.h>
+#include <Pelluvia/xml/internal/sax2/NameTable.h>
 
 #include <array>
 #include <exception>

@@ -1,4 +1,4 @@
-#include <Pelluvia/xml/XMLParser.h>
+#include <Pelluvia/xml/XMLLimits.h>
 #include <Pelluvia/xml/internal/scan/Bytes.h>
 #include <Pelluvia/xml/internal/scan/ElementTree.h>
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <Pelluvia/xml/XMLParser.h>
 #include <Pelluvia/xml/XMLParserDelegate.h>
 #include <Pelluvia/xml/internal/Engine.h>
 #include <Pelluvia/xml/internal/Input.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/xml/XMLParser.h>
+#include <Pelluvia/xml/XMLLimits.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include <Pelluvia/xml/internal/NameTable.h>
+#include <Pelluvia/xml/internal/sax2/NameTable.h>
 
 #include <bit>
 #include <new>
