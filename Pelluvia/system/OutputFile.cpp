@@ -5,9 +5,11 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <exception>
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
+#include <utility>
 
 namespace pelluvia {
 
@@ -79,6 +81,35 @@ std::unique_ptr<OutputFile> OutputFile::open(const std::string &path, std::error
     return file;
 }
 
+std::unique_ptr<OutputFile> OutputFile::onDescriptor(int descriptor, bool isOwned,
+                                                     std::error_code &error) {
+    const int flags = ::fcntl(descriptor, F_GETFL);
+    if (flags < 0 || (flags & O_ACCMODE) == O_RDONLY) {
+        error = flags < 0 ? lastError() : std::make_error_code(std::errc::bad_file_descriptor);
+        return nullptr;
+    }
+    std::unique_ptr<OutputFile> file(new OutputFile);
+    file->descriptor_ = descriptor;
+    file->isOwned_ = isOwned;
+    error.clear();
+    return file;
+}
+
+std::unique_ptr<OutputFile> OutputFile::onBorrowedDescriptor(int descriptor,
+                                                             std::error_code &error) {
+    return onDescriptor(descriptor, false, error);
+}
+
+std::unique_ptr<OutputFile> OutputFile::onOwnedDescriptor(int descriptor, std::error_code &error) {
+    return onDescriptor(descriptor, true, error);
+}
+
+std::unique_ptr<OutputFile> OutputFile::inMemory(std::string &text) {
+    std::unique_ptr<OutputFile> file(new OutputFile);
+    file->memory_ = &text;
+    return file;
+}
+
 // The buffer is not value-initialised: a small file should not pay for touching all of it.
 OutputFile::OutputFile() : buffer_(new char[bufferSize]) {}
 
@@ -106,33 +137,64 @@ char *OutputFile::reserve(std::size_t size) {
     return buffer_.get() + used_;
 }
 
-void OutputFile::flush() {
-    const char *position = buffer_.get();
-    std::size_t left = failure_ || descriptor_ < 0 ? 0 : used_;
-    while (left != 0) {
-        const ssize_t written = ::write(descriptor_, position, left);
+void OutputFile::writeToDescriptor(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
         if (written > 0) {
-            position += written;
-            left -= static_cast<std::size_t>(written);
+            bytes.remove_prefix(static_cast<std::size_t>(written));
         } else if (written == 0) { // never of a file; asking on might never end
             failure_ = std::make_error_code(std::errc::io_error);
-            break;
+            return;
         } else if (!isWorthAnotherTry(descriptor_)) {
             failure_ = lastError();
-            break;
+            return;
         }
     }
-    used_ = 0;
+}
+
+void OutputFile::writeToMemory(std::string_view bytes) {
+    try {
+        memory_->append(bytes);
+    } catch (const std::exception &) { // no memory, or more than a string can hold
+        failure_ = std::make_error_code(std::errc::not_enough_memory);
+    }
+}
+
+std::error_code OutputFile::flush() {
+    const std::string_view bytes(buffer_.get(), std::exchange(used_, 0));
+    if (failure_) {
+        return failure_;
+    }
+    if (memory_ != nullptr) {
+        writeToMemory(bytes);
+    } else if (descriptor_ >= 0) {
+        writeToDescriptor(bytes);
+    }
+    return failure_;
+}
+
+std::error_code OutputFile::sync() {
+    if (flush() || descriptor_ < 0) {
+        return failure_;
+    }
+    int result = -1;
+    do {
+        result = ::fsync(descriptor_);
+    } while (result != 0 && errno == EINTR);
+    // What is no file on a disk says that it cannot be synchronised; there is nothing to lose then.
+    if (result != 0 && errno != EINVAL && errno != ENOTSUP && errno != EROFS) {
+        failure_ = lastError();
+    }
+    return failure_;
 }
 
 std::error_code OutputFile::close() {
-    if (descriptor_ >= 0) {
-        flush();
-        // Linux closes the descriptor even when interrupted; a second try could close another's.
-        if (::close(descriptor_) != 0 && errno != EINTR && !failure_) {
-            failure_ = lastError();
-        }
-        descriptor_ = -1;
+    flush();
+    memory_ = nullptr;
+    const int descriptor = std::exchange(descriptor_, -1);
+    // Linux closes the descriptor even when interrupted; a second try could close another's.
+    if (descriptor >= 0 && isOwned_ && ::close(descriptor) != 0 && errno != EINTR && !failure_) {
+        failure_ = lastError();
     }
     return failure_;
 }
