@@ -182,7 +182,7 @@ TEST(Convert, ReportsOfALogAreSaidAndConverted) {
         {.arguments = {"convert", "--from", "calls", "--to", "calls", "-", "-"}, .input = log});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, log);
-    EXPECT_EQ(outcome.errors, "standard input: reported by the producer: battery? low\n");
+    EXPECT_EQ(outcome.errors, "standard input: reported by the producer: battery\\x1B low\n");
 }
 
 TEST(Convert, VerboseShowsTheLogLines) {

@@ -140,7 +140,20 @@ TEST(Info, AFilesNameNeedNotBeUTF8) {
     const Outcome outcome = testing::pelluvia(
         {.arguments = {"info", "--json", "\xFF.gpx"}, .folder = folder.path().string()});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_THAT(outcome.output, StartsWith("{\"file\":\"\xEF\xBF\xBD.gpx\""));
+    EXPECT_THAT(outcome.output, StartsWith(R"({"file":"\ufffd.gpx")"));
+}
+
+TEST(Info, AFilesNameDoesNotActOnTheTerminal) {
+    const TemporaryFolder folder;
+    const std::string name = "a\xE2\x80\xAExpg\x7F.gpx";
+    folder.write(name, "<gpx/>");
+    const auto shown = [&](std::vector<std::string> arguments) {
+        return testing::pelluvia(
+                   {.arguments = std::move(arguments), .folder = folder.path().string()})
+            .output;
+    };
+    EXPECT_THAT(shown({"info", name}), StartsWith("a\\xE2\\x80\\xAExpg\\x7F.gpx\n"));
+    EXPECT_THAT(shown({"info", "--json", name}), StartsWith(R"({"file":"a\u202expg\u007f.gpx")"));
 }
 
 } // namespace

@@ -119,8 +119,9 @@ std::string jsonText(const std::string &file, const FileSurvey &survey, bool isP
         {"lastTime", times ? ordered_json(utcText(times->last)) : ordered_json()},
         {"partial", isPartial},
     };
-    // A file's name need not be UTF-8.
-    return object.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
+    // A file's name need not be UTF-8. Where it could act on a terminal, JSON has its own escapes.
+    const bool isEscaped = harmless(file) != file;
+    return object.dump(-1, ' ', isEscaped, ordered_json::error_handler_t::replace) + "\n";
 }
 
 } // namespace pelluvia::host

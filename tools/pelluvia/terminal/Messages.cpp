@@ -1,20 +1,48 @@
 #include <tools/pelluvia/terminal/Messages.h>
 
+#include <Pelluvia/text/UTF8.h>
+
+#include <algorithm>
+#include <array>
 #include <unistd.h>
 
 namespace pelluvia::host {
 
 namespace {
 
-bool isControl(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte < 0x20 || byte == 0x7F;
+/// Characters from one to another, both as UTF-8. Compared as bytes they have the order of their
+/// numbers.
+struct Range {
+    std::string_view first;
+    std::string_view last;
+};
+
+/// Characters that are no text to be read but act on the terminal: they give commands, or change
+/// the direction of what follows, which can make a name look like another.
+constexpr auto acting = std::to_array<Range>({
+    {std::string_view("\0", 1), "\x1F"},
+    {"\x7F", "\x7F"},
+    {"\xC2\x80", "\xC2\x9F"},         // U+0080 to U+009F, the second set of controls
+    {"\xD8\x9C", "\xD8\x9C"},         // U+061C, Arabic letter mark
+    {"\xE2\x80\x8E", "\xE2\x80\x8F"}, // U+200E and U+200F, marks of direction
+    {"\xE2\x80\xAA", "\xE2\x80\xAE"}, // U+202A to U+202E, embeddings and overrides
+    {"\xE2\x81\xA6", "\xE2\x81\xA9"}, // U+2066 to U+2069, isolates
+});
+
+bool isActing(std::string_view character) {
+    return std::any_of(acting.begin(), acting.end(), [character](const Range &range) {
+        return range.first <= character && character <= range.last;
+    });
 }
 
-/// Whether the text begins with one of U+0080 to U+009F, the second set of control characters.
-bool startsWithSecondSetControl(std::string_view text) {
-    return text.size() >= 2 && text[0] == '\xC2' && static_cast<unsigned char>(text[1]) >= 0x80 &&
-           static_cast<unsigned char>(text[1]) < 0xA0;
+std::string escaped(std::string_view bytes) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string result;
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        result.append("\\x").append(1, digits[byte / 16]).append(1, digits[byte % 16]);
+    }
+    return result;
 }
 
 } // namespace
@@ -23,9 +51,14 @@ std::string harmless(std::string_view text) {
     std::string result;
     result.reserve(text.size());
     while (!text.empty()) {
-        const bool isWide = startsWithSecondSetControl(text);
-        result += isWide || isControl(text.front()) ? '?' : text.front();
-        text.remove_prefix(isWide ? 2 : 1);
+        const std::size_t length = wellFormedCharacterLength(text);
+        const std::string_view character = text.substr(0, std::max<std::size_t>(length, 1));
+        if (length == 0 || isActing(character)) {
+            result += escaped(character);
+        } else {
+            result += character;
+        }
+        text.remove_prefix(character.size());
     }
     return result;
 }

@@ -8,8 +8,9 @@
 
 namespace pelluvia::host {
 
-/// The text with control characters replaced by "?", so that nothing out of a file or a file's name
-/// can steer the user's terminal.
+/// The text with what could steer the user's terminal, or deceive who reads it there, escaped as
+/// bytes in the way of shells ($'\x1B'): control characters, those that change the direction of
+/// writing, and bytes that are not UTF-8. So nothing out of a file or a file's name acts.
 [[nodiscard]] std::string harmless(std::string_view text);
 
 /// Writes a line: the text, made harmless, and a line end.
