@@ -41,7 +41,11 @@ void warnIfTooLong(std::string_view sentence) {
     // A character has at least one byte: most sentences need no counting.
     if (sentence.size() > NMEAUtils::longestSentence &&
         utf16Length(sentence) > NMEAUtils::longestSentence) {
-        logLine(std::string("NMEA Sentence exceeds 82 chars: ").append(sentence).append("\n"));
+        // The message ends in the sentence, as it was received, and a line end. Line ends at the
+        // end of a message are the end of the log's line; passed on, they would be blanks there.
+        std::string message("NMEA Sentence exceeds 82 chars: ");
+        message.append(sentence.substr(0, sentence.find_last_not_of("\r\n") + 1));
+        logLine(message);
     }
 }
 

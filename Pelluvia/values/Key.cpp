@@ -2,9 +2,9 @@
 
 #include <deque>
 #include <limits>
+#include <map>
 #include <mutex>
 #include <string>
-#include <unordered_map>
 
 namespace pelluvia {
 
@@ -77,7 +77,9 @@ class KeyPool {
     std::mutex mutex_;
     std::deque<Name> names_; // a deque: the texts that `positions_` refers to never move
     std::uint32_t firstFree_ = none;
-    std::unordered_map<std::string_view, std::uint32_t> positions_;
+    // Ordered, since names come from files: whoever writes one can choose names of equal hash, and
+    // then each would be compared with all others.
+    std::map<std::string_view, std::uint32_t> positions_;
 };
 
 /// Never destroyed: keys of static objects may outlive every other static object.

@@ -179,8 +179,9 @@ TEST(NMEAUtils, LogsASentenceOfMoreThan82CharactersOnceAndGoesOn) {
 
     const LogCapture log;
     EXPECT_EQ(NMEAUtils::checkAndTrimNMEASentence(valid), text + "\r");
-    // The line end of the message becomes a space on its way, as every control character does.
-    EXPECT_EQ(log.lines, std::vector{"NMEA Sentence exceeds 82 chars: $" + text + " *0D "});
+    // The message's own line end is the end of the log's line; a control character in the sentence
+    // becomes a space on its way.
+    EXPECT_EQ(log.lines, std::vector{"NMEA Sentence exceeds 82 chars: $" + text + " *0D"});
     EXPECT_EQ(NMEAUtils::checkAndTrimNMEASentence("$" + text + "\r*0E"), std::nullopt);
     EXPECT_EQ(log.lines.size(), 2U);
     EXPECT_EQ(NMEAUtils::checkAndTrimNMEASentence(std::string(83, 'x')), std::nullopt);
@@ -192,11 +193,18 @@ TEST(NMEAUtils, LogsTheSentenceAsItWasReceived) {
     const std::string padded = std::string(40, ' ') + "$J*4A" + std::string(38, ' ');
     ASSERT_EQ(padded.size(), 83U);
     EXPECT_EQ(NMEAUtils::checkAndTrimNMEASentence(padded), "J");
-    EXPECT_EQ(log.lines, std::vector{"NMEA Sentence exceeds 82 chars: " + padded + " "});
+    EXPECT_EQ(log.lines, std::vector{"NMEA Sentence exceeds 82 chars: " + padded});
 
     const std::string blank(83, ' ');
     EXPECT_EQ(NMEAUtils::checkAndTrimNMEASentence(blank), std::nullopt);
     EXPECT_EQ(log.lines.size(), 2U);
+}
+
+TEST(NMEAUtils, LogsTheLineEndOfASentenceAsTheEndOfTheLine) {
+    const LogCapture log;
+    const std::string text(78, 'a');
+    EXPECT_EQ(NMEAUtils::checkAndTrimNMEASentence("$" + text + "*00\r\n"), text);
+    EXPECT_EQ(log.lines, std::vector{"NMEA Sentence exceeds 82 chars: $" + text + "*00"});
 }
 
 TEST(NMEAUtils, LogsNothingForASentenceOf82Characters) {

@@ -1,9 +1,13 @@
 #include <Pelluvia/values/Key.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -120,6 +124,43 @@ TEST(Key, CanBeMadeCopiedAndDestroyedOnManyThreads) {
         thread.join();
     }
     EXPECT_EQ(shared.name(), "shared by all");
+}
+
+/// Any number of names of the same standard hash, as a hostile file could hold: sixteen bytes each,
+/// the second half chosen so that it brings the hash of the first to the same state. (The hash is
+/// that of the GNU library, whose mixing steps can all be undone.)
+std::string nameOfEqualHash(std::uint64_t number) {
+    constexpr std::uint64_t factor = 0xC6A4A793'5BD1E995;
+    constexpr std::uint64_t inverse = [] {
+        std::uint64_t result =
+            factor; // Newton's steps, each of which doubles the bits that are right
+        for (int step = 0; step < 6; ++step) {
+            result *= 2 - factor * result;
+        }
+        return result;
+    }();
+    constexpr std::uint64_t start = 0xC70F6907 ^ 16 * factor;
+    const auto folded = [](std::uint64_t value) { return value ^ value >> 47; };
+    const std::uint64_t state = (start ^ folded(number * factor) * factor) * factor;
+    const std::uint64_t second = folded(state * inverse) * inverse; // makes the state 0
+    std::string name(16, '\0');
+    std::memcpy(name.data(), &number, 8);
+    std::memcpy(name.data() + 8, &second, 8);
+    return name;
+}
+
+// With a table of hashes this would be some 10^11 comparisons.
+TEST(Key, ManyNamesOfTheSameHashAreAsGoodAsOthers) {
+    if (std::hash<std::string_view>()(nameOfEqualHash(0)) !=
+        std::hash<std::string_view>()(nameOfEqualHash(1))) {
+        GTEST_SKIP() << "the hash of another library";
+    }
+    std::vector<Key> keys;
+    for (std::uint64_t number = 0; number < 400'000; ++number) {
+        keys.emplace_back(nameOfEqualHash(number));
+    }
+    EXPECT_EQ(keys[1234], Key(nameOfEqualHash(1234)));
+    EXPECT_EQ(keys.back().name(), nameOfEqualHash(399'999));
 }
 
 } // namespace

@@ -2,12 +2,24 @@
 
 #include <Pelluvia/formats/calllog/internal/CallArguments.h>
 #include <Pelluvia/formats/calllog/internal/CallLine.h>
+#include <Pelluvia/formats/calllog/internal/CallLineParser.h>
 #include <Pelluvia/formats/calllog/internal/CallLogLimits.h>
 #include <Pelluvia/formats/calllog/internal/CallValues.h>
 #include <Pelluvia/formats/calllog/internal/LineReader.h>
+#include <Pelluvia/formats/calllog/internal/TextLines.h>
+#include <Pelluvia/formats/internal/Errors.h>
+#include <Pelluvia/formats/internal/OpenSource.h>
+#include <Pelluvia/formats/internal/SourceProgress.h>
+#include <Pelluvia/formats/internal/SourceWait.h>
+#include <Pelluvia/formats/internal/StoppableReceiver.h>
+
+#include <Pelluvia/values/CocoaErrors.h>
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <optional>
+#include <utility>
 
 namespace pelluvia {
 
@@ -129,38 +141,133 @@ bool isBlank(std::string_view line) noexcept {
     return line.find_first_not_of(" \t\r") == std::string_view::npos;
 }
 
+/// An error on a line of a log.
+ErrorPtr errorAt(std::int64_t line, CallLineFault fault, std::string_view domain, std::int64_t code,
+                 const std::string &path) {
+    ErrorInfo info{{std::string(NSLocalizedDescriptionKey), std::move(fault.message)}};
+    if (!path.empty()) {
+        info.emplace_back(std::string(NSFilePathErrorKey), path);
+    }
+    info.emplace_back(std::string(callLogErrorLine), line);
+    if (fault.column != 0) {
+        info.emplace_back(std::string(callLogErrorColumn), fault.column);
+    }
+    return Error::make(domain, code, std::move(info));
+}
+
+ErrorPtr badLine(std::int64_t line, CallLineFault fault, const std::string &path) {
+    return errorAt(line, std::move(fault), NSCocoaErrorDomain, NSFileReadCorruptFileError, path);
+}
+
 } // namespace
 
-std::optional<CallLogFault> CallLogReader::read(int descriptor) {
-    LineReader lines(descriptor, callLogLimits::lineSize);
+struct CallLogReader::State {
+    explicit State(GPSOutputReceiver &target) noexcept : receiver(target) {}
+
+    GPSOutputReceiver &receiver;
+    std::stop_token stopToken;
+    std::function<void()> sourcePaused;
+    formats::SourceProgress progress;
+
+    ErrorPtr process(LineSource &lines, const std::string &path);
+    ErrorPtr processDescriptor(int descriptor, const std::string &path);
+};
+
+CallLogReader::CallLogReader(GPSOutputReceiver &receiver)
+    : state_(std::make_unique<State>(receiver)) {}
+CallLogReader::~CallLogReader() = default;
+
+void CallLogReader::setStopToken(std::stop_token token) {
+    state_->stopToken = std::move(token);
+}
+void CallLogReader::setSourcePaused(std::function<void()> sourcePaused) {
+    state_->sourcePaused = std::move(sourcePaused);
+}
+ReadingProgress CallLogReader::readingProgress() const {
+    return state_->progress.progress();
+}
+
+ErrorPtr CallLogReader::processFile(const std::string &path) {
+    std::error_code error;
+    const formats::OpenSource source(path, error);
+    if (error) {
+        state_->progress = {};
+        return formats::systemError(error, error.message(), path);
+    }
+    return state_->processDescriptor(source.descriptor(), path);
+}
+
+ErrorPtr CallLogReader::processDescriptor(int descriptor) {
+    return state_->processDescriptor(descriptor, "");
+}
+
+ErrorPtr CallLogReader::processText(std::string_view log) {
+    state_->progress = formats::SourceProgress(log.size());
+    TextLines lines(log, callLogLimits::lineSize, state_->progress);
+    return state_->process(lines, "");
+}
+
+ErrorPtr CallLogReader::State::processDescriptor(int descriptor, const std::string &path) {
+    progress = formats::SourceProgress(descriptor);
+    const formats::SourceWait wait(-1, stopToken, sourcePaused);
+    LineReader lines(descriptor, callLogLimits::lineSize, wait, progress);
+    return process(lines, path);
+}
+
+ErrorPtr CallLogReader::State::process(LineSource &lines, const std::string &path) {
+    formats::StoppableReceiver stoppable(receiver, stopToken);
     CallLine call;
     std::string_view text;
-    for (std::int64_t number = 1; !stop_ || !stop_(); ++number) {
+    for (std::int64_t number = 1; !stoppable.hasStopped(); ++number) {
         switch (lines.next(text)) {
-        case LineReader::Result::End:
-            return std::nullopt;
-        case LineReader::Result::Failed:
-            return CallLogFault{.line = number, .message = lines.failure().message()};
-        case LineReader::Result::TooLong:
-            return CallLogFault{.line = number,
-                                .message = "a line is longer than " +
-                                           std::to_string(callLogLimits::lineSize) + " bytes"};
-        case LineReader::Result::Line:
+        case LineSource::Result::End:
+            return nullptr;
+        case LineSource::Result::Stopped:
+            continue; // the receiver will find it out
+        case LineSource::Result::Failed:
+            return errorAt(number, {.message = lines.failure().message()},
+                           formats::posixErrorDomain, lines.failure().value(), path);
+        case LineSource::Result::TooLong:
+            return badLine(number,
+                           {.message = "a line is longer than " +
+                                       std::to_string(callLogLimits::lineSize) + " bytes"},
+                           path);
+        case LineSource::Result::Line:
             break;
         }
         if (isBlank(text)) {
             continue;
         }
-        auto fault = call.parse(text);
+        auto fault = parseCallLine(text, call);
         if (!fault) {
-            fault = makeCall(call, receiver_);
+            fault = makeCall(call, stoppable);
         }
         if (fault) {
-            return CallLogFault{
-                .line = number, .column = fault->column, .message = std::move(fault->message)};
+            return badLine(number, std::move(*fault), path);
         }
     }
-    return std::nullopt;
+    return formats::stopError();
+}
+
+bool looksLikeCallLog(std::string_view beginning) {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (beginning.starts_with(byteOrderMark)) {
+        beginning.remove_prefix(byteOrderMark.size());
+    }
+    const std::size_t start = beginning.find_first_not_of(" \t\r\n");
+    if (start == std::string_view::npos || beginning[start] != '{') {
+        return false;
+    }
+    std::string_view line = beginning.substr(start);
+    line = line.substr(0, line.find('\n'));
+    constexpr std::string_view name = "\"call\"";
+    const std::size_t field = line.find(name);
+    if (field == std::string_view::npos) {
+        return false;
+    }
+    line.remove_prefix(field + name.size());
+    const std::size_t colon = line.find_first_not_of(" \t");
+    return colon != std::string_view::npos && line[colon] == ':';
 }
 
 } // namespace pelluvia

@@ -1,10 +1,33 @@
 #include <Pelluvia/formats/calllog/CallLogWriter.h>
 
+#include <Pelluvia/formats/calllog/internal/CallLogText.h>
+
 #include <Pelluvia/model/ExtrasKeys.h>
+#include <Pelluvia/system/MainThread.h>
 
 #include <climits>
 
 namespace pelluvia {
+
+struct CallLogWriter::State {
+    explicit State(std::unique_ptr<OutputFile> target) : file(std::move(target)), text(*file) {}
+
+    std::unique_ptr<OutputFile> file;
+    CallLogText text;
+    MessageTarget<Report> errorObject;
+    std::shared_ptr<GPXExporterProgress> progress;
+    int transferKind = 0;
+    int itemCount = 0;
+
+    // Each writes `beginning`, the line up to an argument, and from that argument to the line's
+    // end.
+    void writePointCall(std::string_view beginning, const GPSPoint &point, const Dictionary *extra);
+    void writeStartCall(std::string_view beginning, int kind, const Dictionary *extra);
+    void writeDictionary(std::string_view beginning, const Dictionary *extra);
+    void writeInteger(std::string_view beginning, int value);
+    void writeReport(std::string_view beginning, const Report &report);
+    void countPoint();
+};
 
 std::shared_ptr<CallLogWriter> CallLogWriter::initWithPath(const std::string &path,
                                                            std::error_code &error) {
@@ -13,136 +36,151 @@ std::shared_ptr<CallLogWriter> CallLogWriter::initWithPath(const std::string &pa
 }
 
 CallLogWriter::CallLogWriter(std::unique_ptr<OutputFile> file)
-    : file_(std::move(file)), text_(*file_) {}
+    : state_(std::make_unique<State>(std::move(file))) {}
+CallLogWriter::~CallLogWriter() = default;
 
+void CallLogWriter::setErrorObject(MessageTarget<Report> target) {
+    state_->errorObject = std::move(target);
+}
+void CallLogWriter::setProgress(std::shared_ptr<GPXExporterProgress> progress) {
+    state_->progress = std::move(progress);
+}
+
+std::error_code CallLogWriter::flush() {
+    return state_->file->flush();
+}
 std::error_code CallLogWriter::close() {
-    return file_->close();
+    return state_->file->close();
+}
+std::error_code CallLogWriter::failure() const noexcept {
+    return state_->file->failure();
 }
 
 void CallLogWriter::newTrackSegment() {
-    text_.raw("{\"call\":\"newTrackSegment\"}\n");
+    state_->text.raw("{\"call\":\"newTrackSegment\"}\n");
 }
 
 void CallLogWriter::newTrack(const Dictionary *extra) {
-    writeDictionary(R"({"call":"newTrack:","extra":)", extra);
+    state_->writeDictionary(R"({"call":"newTrack:","extra":)", extra);
 }
 
 void CallLogWriter::newRoute(const Dictionary *extra) {
-    writeDictionary(R"({"call":"newRoute:","extra":)", extra);
+    state_->writeDictionary(R"({"call":"newRoute:","extra":)", extra);
 }
 
 void CallLogWriter::trackPoint(GPSPoint point, const Dictionary *extra) {
-    writePointCall(R"({"call":"trackPoint:extra:","point":)", point, extra);
-    countPoint();
+    state_->writePointCall(R"({"call":"trackPoint:extra:","point":)", point, extra);
+    state_->countPoint();
 }
 
 void CallLogWriter::wayPoint(GPSPoint point, const Dictionary *extra) {
-    writePointCall(R"({"call":"wayPoint:extra:","point":)", point, extra);
-    countPoint();
+    state_->writePointCall(R"({"call":"wayPoint:extra:","point":)", point, extra);
+    state_->countPoint();
 }
 
 void CallLogWriter::routePoint(GPSPoint point, const Dictionary *extra) {
-    writePointCall(R"({"call":"routePoint:extra:","point":)", point, extra);
-    countPoint();
+    state_->writePointCall(R"({"call":"routePoint:extra:","point":)", point, extra);
+    state_->countPoint();
 }
 
 void CallLogWriter::poiPoint(GPSPoint point, const Dictionary *extra) {
-    writePointCall(R"({"call":"poiPoint:extra:","point":)", point, extra);
+    state_->writePointCall(R"({"call":"poiPoint:extra:","point":)", point, extra);
 }
 
 void CallLogWriter::lapInfoStart(GPSPoint start, GPSPoint end, const Dictionary *extras) {
-    text_.raw(R"({"call":"lapInfoStart:end:extras:","start":)");
-    text_.point(start);
-    text_.raw(R"(,"end":)");
-    text_.point(end);
-    writeDictionary(R"(,"extras":)", extras);
+    state_->text.raw(R"({"call":"lapInfoStart:end:extras:","start":)");
+    state_->text.point(start);
+    state_->text.raw(R"(,"end":)");
+    state_->text.point(end);
+    state_->writeDictionary(R"(,"extras":)", extras);
 }
 
 void CallLogWriter::startTransfer(const void * /*sender*/, int kind, const Dictionary *extra) {
-    writeStartCall(R"({"call":"startTransfer:kind:extra:","kind":)", kind, extra);
-    transferKind_ = kind;
-    if (progress_ != nullptr) {
+    state_->writeStartCall(R"({"call":"startTransfer:kind:extra:","kind":)", kind, extra);
+    state_->transferKind = kind;
+    if (state_->progress != nullptr) {
         const auto count = extra != nullptr ? extra->number(extras::count) : std::nullopt;
-        progress_->gpxStartTransfer(kind, count ? count->intValue() : 0);
+        state_->progress->gpxStartTransfer(kind, count ? count->intValue() : 0);
     }
 }
 
 void CallLogWriter::endTransfer(int kind) {
-    writeInteger(R"({"call":"endTransfer:","kind":)", kind);
-    if (progress_ != nullptr) {
-        progress_->gpxEndTransfer(kind);
+    state_->writeInteger(R"({"call":"endTransfer:","kind":)", kind);
+    if (state_->progress != nullptr) {
+        state_->progress->gpxEndTransfer(kind);
     }
-    itemCount_ = 0;
+    state_->itemCount = 0;
 }
 
 void CallLogWriter::currentPosition(GPSPoint point, int accuracy) {
-    text_.raw(R"({"call":"currentPosition:accuracy:","point":)");
-    text_.point(point);
-    writeInteger(R"(,"accuracy":)", accuracy);
+    state_->text.raw(R"({"call":"currentPosition:accuracy:","point":)");
+    state_->text.point(point);
+    state_->writeInteger(R"(,"accuracy":)", accuracy);
 }
 
 void CallLogWriter::warning(const Report &object) {
-    writeReport(R"({"call":"warning:","object":)", object);
+    state_->writeReport(R"({"call":"warning:","object":)", object);
 }
 
 void CallLogWriter::error(const Report &error) {
-    writeReport(R"({"call":"error:","error":)", error);
+    state_->writeReport(R"({"call":"error:","error":)", error);
 }
 
 void CallLogWriter::gpsStateChange(int state) {
-    writeInteger(R"({"call":"gpsStateChange:","state":)", state);
+    state_->writeInteger(R"({"call":"gpsStateChange:","state":)", state);
 }
 
 void CallLogWriter::startSending(const void * /*sender*/, int kind, const Dictionary *extra) {
-    writeStartCall(R"({"call":"startSending:kind:extra:","kind":)", kind, extra);
+    state_->writeStartCall(R"({"call":"startSending:kind:extra:","kind":)", kind, extra);
 }
 
 void CallLogWriter::sendProgress(int count) {
-    writeInteger(R"({"call":"sendProgress:","count":)", count);
+    state_->writeInteger(R"({"call":"sendProgress:","count":)", count);
 }
 
 void CallLogWriter::endSending(int kind) {
-    writeInteger(R"({"call":"endSending:","kind":)", kind);
+    state_->writeInteger(R"({"call":"endSending:","kind":)", kind);
 }
 
-void CallLogWriter::writePointCall(std::string_view beginning, const GPSPoint &point,
-                                   const Dictionary *extra) {
-    text_.raw(beginning);
-    text_.point(point);
+void CallLogWriter::State::writePointCall(std::string_view beginning, const GPSPoint &point,
+                                          const Dictionary *extra) {
+    text.raw(beginning);
+    text.point(point);
     writeDictionary(R"(,"extra":)", extra);
 }
 
-void CallLogWriter::writeStartCall(std::string_view beginning, int kind, const Dictionary *extra) {
-    text_.raw(beginning);
-    text_.integer(kind);
+void CallLogWriter::State::writeStartCall(std::string_view beginning, int kind,
+                                          const Dictionary *extra) {
+    text.raw(beginning);
+    text.integer(kind);
     writeDictionary(R"(,"extra":)", extra);
 }
 
-void CallLogWriter::writeDictionary(std::string_view beginning, const Dictionary *extra) {
-    text_.raw(beginning);
-    text_.dictionary(extra);
-    text_.raw("}\n");
+void CallLogWriter::State::writeDictionary(std::string_view beginning, const Dictionary *extra) {
+    text.raw(beginning);
+    text.dictionary(extra);
+    text.raw("}\n");
 }
 
-void CallLogWriter::writeInteger(std::string_view beginning, int value) {
-    text_.raw(beginning);
-    text_.integer(value);
-    text_.raw("}\n");
+void CallLogWriter::State::writeInteger(std::string_view beginning, int value) {
+    text.raw(beginning);
+    text.integer(value);
+    text.raw("}\n");
 }
 
-void CallLogWriter::writeReport(std::string_view beginning, const Report &report) {
-    text_.raw(beginning);
-    text_.report(report);
-    text_.raw("}\n");
-    mainThread::perform(errorObject_, errorSelector_, report);
+void CallLogWriter::State::writeReport(std::string_view beginning, const Report &report) {
+    text.raw(beginning);
+    text.report(report);
+    text.raw("}\n");
+    mainThread::perform(errorObject, report);
 }
 
-void CallLogWriter::countPoint() {
-    if (itemCount_ < INT_MAX) {
-        ++itemCount_;
+void CallLogWriter::State::countPoint() {
+    if (itemCount < INT_MAX) {
+        ++itemCount;
     }
-    if (progress_ != nullptr) {
-        progress_->gpxProgress(transferKind_, itemCount_);
+    if (progress != nullptr) {
+        progress->gpxProgress(transferKind, itemCount);
     }
 }
 

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <Pelluvia/formats/calllog/internal/CallLogText.h>
-
 #include <Pelluvia/model/GPSOutputReceiver.h>
 #include <Pelluvia/model/GPXExporterProgress.h>
-#include <Pelluvia/system/MainThread.h>
 #include <Pelluvia/system/OutputFile.h>
+#include <Pelluvia/values/Export.h>
+#include <Pelluvia/values/MessageTarget.h>
 
 #include <memory>
 #include <string>
@@ -17,36 +16,55 @@ namespace pelluvia {
 
 /// A receiver that writes every call as one line of JSON, in order (see docs/call-log.md). It adds
 /// nothing and leaves no call out: `CallLogReader` makes the same calls again from what it wrote,
-/// less the values that a log cannot show (see `CallLogText`).
+/// less the values that a log cannot show: wrapped records of other types than `GPSPoint`, nil in
+/// an array, and arrays of more than 20,000 values.
 ///
-/// A state change is a call like any other and does not close the file; `close` does.
+///     std::error_code error;
+///     const auto writer = CallLogWriter::initWithPath("ride.jsonl", error);
+///     if (writer == nullptr) {
+///         return show(error.message());
+///     }
+///     const ErrorPtr readingError =
+///     GPXFileImporter::initWithReceiver(writer)->processFile("ride.gpx"); if (const
+///     std::error_code failure = writer->close()) {
+///         show(failure.message()); // the log is not complete
+///     }
+///
+/// A state change is a call like any other and does not close the file; `close` does, and so does
+/// the end of this object, which does not tell whether that worked.
 ///
 /// Threads: as for any receiver.
-class CallLogWriter : public GPSOutputReceiver {
+class PELLUVIA_EXPORT CallLogWriter : public GPSOutputReceiver {
   public:
     /// A writer to a new file at the path (see `OutputFile::open`); null when it cannot be opened,
     /// `error` then says why.
     [[nodiscard]] static std::shared_ptr<CallLogWriter> initWithPath(const std::string &path,
                                                                      std::error_code &error);
+    /// A writer to a file that is open already, or to memory (see `OutputFile`). Must not be null.
     explicit CallLogWriter(std::unique_ptr<OutputFile> file);
+    CallLogWriter(const CallLogWriter &) = delete;
+    CallLogWriter &operator=(const CallLogWriter &) = delete;
+    ~CallLogWriter() override;
 
-    /// Who is told, on the main thread, of each `warning` and `error`; held until replaced.
-    template <class Target>
-    void setErrorObject(std::shared_ptr<Target> object, void (Target::*andSelector)(Report)) {
-        errorObject_ = std::move(object);
-        errorSelector_ = Selector<Report>(andSelector);
+    /// Who is told, on the main thread, of each `warning` and `error`: an object and its method, or
+    /// a lambda (see MessageTarget.h); null: nobody.
+    void setErrorObject(MessageTarget<Report> target);
+    template <class Object, class Method>
+    void setErrorObject(Object object, Method andSelector) {
+        setErrorObject({std::move(object), std::move(andSelector)});
     }
-    /// Who is told of the progress of transfers: of track points, waypoints and route points. Null:
-    /// nobody.
-    void setProgress(std::shared_ptr<GPXExporterProgress> progress) {
-        progress_ = std::move(progress);
-    }
+    /// Who is told of the progress of transfers: of track points, waypoints and route points. Held
+    /// until replaced; null: nobody.
+    void setProgress(std::shared_ptr<GPXExporterProgress> progress);
 
+    /// Writes what is buffered, so that who reads along has all that came. The first failure of any
+    /// write, or none.
+    std::error_code flush();
     /// Writes what is buffered and closes the file; no call may follow. The first failure of any
     /// write, or none.
     std::error_code close();
     /// The first failure so far.
-    [[nodiscard]] std::error_code failure() const noexcept { return file_->failure(); }
+    [[nodiscard]] std::error_code failure() const noexcept;
 
     void newTrackSegment() override;
     void newTrack(const Dictionary *extra) override;
@@ -67,22 +85,8 @@ class CallLogWriter : public GPSOutputReceiver {
     void endSending(int kind) override;
 
   private:
-    // Each writes `beginning`, the line up to an argument, and from that argument to the line's
-    // end.
-    void writePointCall(std::string_view beginning, const GPSPoint &point, const Dictionary *extra);
-    void writeStartCall(std::string_view beginning, int kind, const Dictionary *extra);
-    void writeDictionary(std::string_view beginning, const Dictionary *extra);
-    void writeInteger(std::string_view beginning, int value);
-    void writeReport(std::string_view beginning, const Report &report);
-    void countPoint();
-
-    std::unique_ptr<OutputFile> file_;
-    CallLogText text_;
-    std::shared_ptr<void> errorObject_;
-    Selector<Report> errorSelector_;
-    std::shared_ptr<GPXExporterProgress> progress_;
-    int transferKind_ = 0;
-    int itemCount_ = 0;
+    struct State;
+    std::unique_ptr<State> state_;
 };
 
 } // namespace pelluvia

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Pelluvia/system/OutputFile.h>
+#include <Pelluvia/values/Export.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -14,8 +15,15 @@ namespace pelluvia {
 /// Reals and integers can be told apart in the text: a real always has a point or an exponent. The
 /// digits are the fewest that read back to the same value. Neither depends on the locale.
 ///
+///     JSONText json(*file);
+///     json.raw("{\"name\":");
+///     json.string("Caf\u00e9 \"Lago\"");
+///     json.raw(",\"speed\":");
+///     json.real(2.5F);
+///     json.raw("}\n");
+///
 /// The file is borrowed. Threads: as for the file.
-class JSONText {
+class PELLUVIA_EXPORT JSONText {
   public:
     explicit JSONText(OutputFile &file) noexcept : file_(file) {}
 

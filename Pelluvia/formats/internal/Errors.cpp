@@ -2,17 +2,9 @@
 
 #include <Pelluvia/values/CocoaErrors.h>
 
-#include <string_view>
 #include <utility>
 
 namespace pelluvia::formats {
-
-namespace {
-
-/// In the domain of the system's own error numbers.
-constexpr std::string_view posixErrorDomain = "NSPOSIXErrorDomain";
-
-} // namespace
 
 ErrorPtr systemError(const std::error_code &error, std::string description,
                      const std::string &path) {

@@ -60,8 +60,11 @@ SourceWait::SourceWait(int endDescriptor, const std::stop_token &token,
 SourceWait::~SourceWait() = default;
 
 SourceWait::Result SourceWait::wait(int descriptor, std::error_code &error) const {
+    // `poll` passes over negative descriptors; reading tells what is wrong with this one.
+    if (descriptor < 0) {
+        return Result::Readable;
+    }
     const int stop = stopSignal_ != nullptr ? stopSignal_->descriptor() : -1;
-    // `poll` passes over negative descriptors.
     std::array<pollfd, 3> asked = {pollfd{.fd = descriptor, .events = POLLIN, .revents = 0},
                                    pollfd{.fd = endDescriptor_, .events = POLLIN, .revents = 0},
                                    pollfd{.fd = stop, .events = POLLIN, .revents = 0}};

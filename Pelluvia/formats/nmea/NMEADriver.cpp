@@ -125,7 +125,6 @@ struct NMEADriver::State {
     long baudRate = standardBaudRate;
     std::stop_token stopToken;
     int endDescriptor = -1;
-    std::function<bool()> isEnough;
     std::function<void()> sourcePaused;
     std::function<void(std::string_view)> writeStatus;
 
@@ -155,9 +154,6 @@ void NMEADriver::setStopToken(std::stop_token token) {
 }
 void NMEADriver::setEndDescriptor(int descriptor) noexcept {
     state_->endDescriptor = descriptor;
-}
-void NMEADriver::setIsEnough(std::function<bool()> isEnough) {
-    state_->isEnough = std::move(isEnough);
 }
 void NMEADriver::setSourcePaused(std::function<void()> sourcePaused) {
     state_->sourcePaused = std::move(sourcePaused);
@@ -215,9 +211,6 @@ ErrorPtr NMEADriver::processText(std::string_view log) {
         state_->progress.add(block.size());
         run.take(block);
         state_->tally = run.tally();
-        if (state_->isEnough && state_->isEnough()) {
-            return state_->finish(run, NMEAEnding::Interrupted);
-        }
     }
     run.takeRest();
     return state_->finish(run, NMEAEnding::Complete);
@@ -257,9 +250,6 @@ NMEAEnding NMEADriver::State::decode(Input &input, Run &run) {
             tally = run.tally();
             if (view) {
                 view->show(tally, run.current());
-            }
-            if (isEnough && isEnough()) {
-                result = Input::Result::Interrupted;
             }
         }
     }

@@ -94,10 +94,6 @@ class PELLUVIA_EXPORT NMEADriver {
     /// none. A signal handler can write to the other end of a pipe. Not seen in text in memory.
     void setEndDescriptor(int descriptor) noexcept;
 
-    /// Asked each time that bytes have come; true ends reading as `setEndDescriptor` does. Empty,
-    /// as at first: never.
-    void setIsEnough(std::function<bool()> isEnough);
-
     /// Called each time that the source has nothing to read at the moment and is about to be waited
     /// for: when a receiver is between two seconds, or a pipe is empty. The time to write out what
     /// targets hold back, so that who reads along has all that is known. It may come many times a

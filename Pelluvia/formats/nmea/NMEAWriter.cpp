@@ -1,15 +1,22 @@
 #include <Pelluvia/formats/nmea/NMEAWriter.h>
 
+#include <Pelluvia/formats/nmea/write/NameTable.h>
 #include <Pelluvia/formats/nmea/write/PointSentences.h>
 #include <Pelluvia/formats/nmea/write/RouteSentences.h>
 
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/TransferKind.h>
 #include <Pelluvia/nmea/NMEAUtils.h>
+#include <Pelluvia/system/MainThread.h>
 
 #include <limits>
+#include <optional>
+#include <string_view>
+#include <vector>
 
-namespace pelluvia::nmea {
+namespace pelluvia {
+
+using namespace nmea; // what stands below this folder
 
 namespace {
 
@@ -47,14 +54,47 @@ void addIfAny(std::string &text, std::int64_t count, std::string_view one, std::
 
 } // namespace
 
-std::string textOf(const Omissions &omissions) {
+std::string textOf(const NMEAOmissions &omissions) {
     std::string text;
     addIfAny(text, omissions.points, "point", "points", "without a position on the globe");
     addIfAny(text, omissions.times, "time", "times", "before 1970 or after 2069");
     addIfAny(text, omissions.values, "altitude or speed", "altitudes or speeds", "that cannot be");
     addIfAny(text, omissions.routePoints, "point", "points", "of a route with too many");
+    if (omissions.names != 0) {
+        text.append(text.empty() ? "" : "; ").append(std::to_string(omissions.names));
+        text.append(omissions.names == 1 ? " name" : " names");
+        text.append(" behind the first ").append(std::to_string(NameTable::mostNames));
+        text.append(" made unique by a number");
+    }
     return text;
 }
+
+struct NMEAWriter::State {
+    /// The route that is open.
+    struct Route {
+        std::string identifier;
+        std::vector<std::string> names;
+    };
+
+    explicit State(std::unique_ptr<OutputFile> target) : file(std::move(target)) {}
+
+    std::unique_ptr<OutputFile> file;
+    MessageTarget<Report> errorObject;
+    std::shared_ptr<GPXExporterProgress> progress;
+    int transferKind = 0;
+    int itemCount = 0;
+    NameTable waypointNames{"WP"};
+    NameTable routeNames{"ROUTE"};
+    std::int64_t routes = 0;
+    std::optional<Route> route;
+    NMEAOmissions omissions;
+
+    void writeSentence(std::string_view body);
+    void writePlace(const GPSPoint &point, const Dictionary *extra, bool isInRoute);
+    void endRoute();
+    void countPoint();
+    [[nodiscard]] bool isWritable(const GPSPoint &point);
+};
 
 std::shared_ptr<NMEAWriter> NMEAWriter::initWithPath(const std::string &path,
                                                      std::error_code &error) {
@@ -62,96 +102,119 @@ std::shared_ptr<NMEAWriter> NMEAWriter::initWithPath(const std::string &path,
     return file != nullptr ? std::make_shared<NMEAWriter>(std::move(file)) : nullptr;
 }
 
+NMEAWriter::NMEAWriter(std::unique_ptr<OutputFile> file)
+    : state_(std::make_unique<State>(std::move(file))) {}
+NMEAWriter::~NMEAWriter() = default;
+
+void NMEAWriter::setErrorObject(MessageTarget<Report> target) {
+    state_->errorObject = std::move(target);
+}
+void NMEAWriter::setProgress(std::shared_ptr<GPXExporterProgress> progress) {
+    state_->progress = std::move(progress);
+}
+
+std::error_code NMEAWriter::flush() {
+    return state_->file->flush();
+}
 std::error_code NMEAWriter::close() {
-    endRoute();
-    return file_->close();
+    state_->endRoute();
+    return state_->file->close();
+}
+std::error_code NMEAWriter::failure() const noexcept {
+    return state_->file->failure();
+}
+const NMEAOmissions &NMEAWriter::omissions() const noexcept {
+    return state_->omissions;
 }
 
 void NMEAWriter::newTrack(const Dictionary * /*extra*/) {
-    endRoute();
+    state_->endRoute();
 }
 
 void NMEAWriter::newRoute(const Dictionary *extra) {
-    endRoute();
+    state_->endRoute();
     // No two routes are the same.
-    const std::string identity = std::to_string(++routes_);
-    route_ = Route{routeNames_.nameFor(routeNameIn(extra), identity).name, {}};
+    const std::string identity = std::to_string(++state_->routes);
+    NameTable::Entry entry = state_->routeNames.nameFor(routeNameIn(extra), identity);
+    state_->omissions.names += entry.isBeyond ? 1 : 0;
+    state_->route = State::Route{std::move(entry.name), {}};
 }
 
 void NMEAWriter::trackPoint(GPSPoint point, const Dictionary *extra) {
-    endRoute();
-    if (isWritable(point)) {
+    state_->endRoute();
+    if (state_->isWritable(point)) {
         const auto number = numberUnder(extras::speed, extra);
         const auto speed = number ? std::optional(number->floatValue()) : std::nullopt;
-        writeSentence(rmcBody(point, speed));
-        writeSentence(ggaBody(point));
-        omissions_.times += point.time != 0 && !isTellable(point.time) ? 1 : 0;
-        omissions_.values += point.altitude != 0.0 && !isAltitude(point.altitude) ? 1 : 0;
-        omissions_.values += speed && !isSpeed(*speed) ? 1 : 0;
+        state_->writeSentence(rmcBody(point, speed));
+        state_->writeSentence(ggaBody(point));
+        state_->omissions.times += point.time != 0 && !isTellable(point.time) ? 1 : 0;
+        state_->omissions.values += point.altitude != 0.0 && !isAltitude(point.altitude) ? 1 : 0;
+        state_->omissions.values += speed && !isSpeed(*speed) ? 1 : 0;
     }
-    countPoint();
+    state_->countPoint();
 }
 
 void NMEAWriter::wayPoint(GPSPoint point, const Dictionary *extra) {
-    writePlace(point, extra, route_.has_value());
-    countPoint();
+    state_->writePlace(point, extra, state_->route.has_value());
+    state_->countPoint();
 }
 
 void NMEAWriter::routePoint(GPSPoint point, const Dictionary *extra) {
-    if (route_) {
-        writePlace(point, extra, true);
+    if (state_->route) {
+        state_->writePlace(point, extra, true);
     }
-    countPoint();
+    state_->countPoint();
 }
 
-void NMEAWriter::writePlace(const GPSPoint &point, const Dictionary *extra, bool isInRoute) {
+void NMEAWriter::State::writePlace(const GPSPoint &point, const Dictionary *extra, bool isInRoute) {
     if (!isWritable(point)) {
         return;
     }
-    if (isInRoute && route_->names.size() == mostRouteNames) {
-        ++omissions_.routePoints;
+    if (isInRoute && route->names.size() == mostRouteNames) {
+        ++omissions.routePoints;
         return;
     }
     const std::string position = positionFields(point);
-    NameTable::Entry entry = waypointNames_.nameFor(textUnder(extras::name, extra), position);
+    NameTable::Entry entry = waypointNames.nameFor(textUnder(extras::name, extra), position);
+    omissions.names += entry.isBeyond ? 1 : 0;
     if (entry.isNew || !isInRoute) {
         writeSentence(wplBody(position, entry.name));
     }
     if (isInRoute) {
-        route_->names.push_back(std::move(entry.name));
+        route->names.push_back(std::move(entry.name));
     }
 }
 
-void NMEAWriter::endRoute() {
-    if (!route_) {
+void NMEAWriter::State::endRoute() {
+    if (!route) {
         return;
     }
-    for (const std::string &body : routeSentences(route_->identifier, route_->names)) {
+    for (const std::string &body : routeSentences(route->identifier, route->names)) {
         writeSentence(body);
     }
-    route_.reset();
+    route.reset();
 }
 
 void NMEAWriter::startTransfer(const void * /*sender*/, int kind, const Dictionary *extra) {
-    transferKind_ = kind;
-    if (progress_) {
+    state_->transferKind = kind;
+    if (state_->progress) {
         const auto count = numberUnder(extras::count, extra);
-        progress_->gpxStartTransfer(kind, count ? count->intValue() : 0);
+        state_->progress->gpxStartTransfer(kind, count ? count->intValue() : 0);
     }
 }
 
 void NMEAWriter::endTransfer(int kind) {
-    if (progress_) {
-        progress_->gpxEndTransfer(kind);
+    if (state_->progress) {
+        state_->progress->gpxEndTransfer(kind);
     }
-    itemCount_ = 0;
+    state_->itemCount = 0;
     if (kind == transferKind::routes) {
-        endRoute();
+        state_->endRoute();
     }
 }
 
 void NMEAWriter::warning(const Report &object) {
-    mainThread::perform(errorObject_, errorSelector_, object);
+    mainThread::perform(state_->errorObject, object);
 }
 
 void NMEAWriter::error(const Report &error) {
@@ -160,26 +223,26 @@ void NMEAWriter::error(const Report &error) {
 
 void NMEAWriter::gpsStateChange(int state) {
     if (state == gpsState::finished) {
-        endRoute();
+        state_->endRoute();
     }
 }
 
-void NMEAWriter::countPoint() {
-    itemCount_ += itemCount_ < std::numeric_limits<int>::max() ? 1 : 0;
-    if (progress_) {
-        progress_->gpxProgress(transferKind_, itemCount_);
+void NMEAWriter::State::countPoint() {
+    itemCount += itemCount < std::numeric_limits<int>::max() ? 1 : 0;
+    if (progress) {
+        progress->gpxProgress(transferKind, itemCount);
     }
 }
 
-bool NMEAWriter::isWritable(const GPSPoint &point) {
-    omissions_.points += isOnGlobe(point) ? 0 : 1;
+bool NMEAWriter::State::isWritable(const GPSPoint &point) {
+    omissions.points += isOnGlobe(point) ? 0 : 1;
     return isOnGlobe(point);
 }
 
-void NMEAWriter::writeSentence(std::string_view body) {
+void NMEAWriter::State::writeSentence(std::string_view body) {
     // Bodies are ASCII by their making.
-    file_->write(NMEAUtils::addChecksumToNMEASentence(body).value_or(""));
-    file_->write("\r\n");
+    file->write(NMEAUtils::addChecksumToNMEASentence(body).value_or(""));
+    file->write("\r\n");
 }
 
-} // namespace pelluvia::nmea
+} // namespace pelluvia

@@ -1,42 +1,57 @@
 #pragma once
 
-#include <Pelluvia/formats/nmea/write/NameTable.h>
-
 #include <Pelluvia/model/GPSOutputReceiver.h>
 #include <Pelluvia/model/GPXExporterProgress.h>
-#include <Pelluvia/system/MainThread.h>
 #include <Pelluvia/system/OutputFile.h>
+#include <Pelluvia/values/Export.h>
+#include <Pelluvia/values/MessageTarget.h>
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <system_error>
 #include <utility>
-#include <vector>
 
-namespace pelluvia::nmea {
+namespace pelluvia {
 
-/// What `NMEAWriter` left out, since the format cannot hold it.
-struct Omissions {
-    std::int64_t points = 0; ///< without a position on the globe
-    std::int64_t times = 0;  ///< not in the years that a date of two digits tells, 1970 to 2069
-    std::int64_t values = 0; ///< altitudes and speeds that cannot be; see `isAltitude`, `isSpeed`
-    std::int64_t routePoints = 0; ///< in a route, beyond `mostRouteNames`
+/// What `NMEAWriter` left out or changed, since the format cannot hold it.
+struct NMEAOmissions {
+    std::int64_t points = 0; ///< left out: without a position on the globe
+    std::int64_t times =
+        0; ///< left out: not in the years that a date of two digits tells, 1970 to 2069
+    std::int64_t values =
+        0; ///< left out: altitudes beyond 1000 km, speeds below 0 or beyond 100 km a second
+    std::int64_t routePoints = 0; ///< left out: in a route, beyond the first 100,000
+    /// Waypoints and routes that were named by a number, since too many others had been named
+    /// before to know whether the name was free.
+    std::int64_t names = 0;
 
-    friend bool operator==(const Omissions &, const Omissions &) = default;
+    friend bool operator==(const NMEAOmissions &, const NMEAOmissions &) = default;
 };
 
 /// The omissions in one line of English, without a line end; empty when there are none.
-[[nodiscard]] std::string textOf(const Omissions &omissions);
+[[nodiscard]] PELLUVIA_EXPORT std::string textOf(const NMEAOmissions &omissions);
 
 /// A receiver that writes NMEA 0183: RMC and GGA for each track point, WPL for each waypoint, and
 /// for each route a WPL for each of its points that has none yet and then the RTE. Lines end in CR
 /// LF and are no longer than the format allows; the talker is "GP".
 ///
+///     std::error_code error;
+///     const auto writer = NMEAWriter::initWithPath("ride.nmea", error);
+///     if (writer == nullptr) {
+///         return show(error.message());
+///     }
+///     const ErrorPtr readingError =
+///     GPXFileImporter::initWithReceiver(writer)->processFile("ride.gpx"); if (const
+///     std::error_code failure = writer->close()) {
+///         show(failure.message()); // the log is not complete
+///     }
+///     show(textOf(writer->omissions()));
+///
 /// Points of a route may come as route points or, while the route is open, as waypoints. Names are
-/// made safe, and where two different places would have the same, the second gets a number.
+/// made safe, and where two different places would have the same, the second gets a number. The
+/// names of the first 100,000 places and of as many routes are remembered; each that comes later
+/// gets a number whatever its name is, so that memory is bounded (`NMEAOmissions::names`).
 ///
 /// Not written, as there is no place for it: where segments and tracks begin, laps, points of
 /// interest, all extras but names and speed. Positions are rounded to a thousandth of a minute,
@@ -44,33 +59,41 @@ struct Omissions {
 /// fields for it.
 ///
 /// Threads: as for any receiver.
-class NMEAWriter : public GPSOutputReceiver {
+class PELLUVIA_EXPORT NMEAWriter : public GPSOutputReceiver {
   public:
     /// A writer to a new file at the path (see `OutputFile::open`); null when it cannot be opened,
     /// `error` then says why.
     [[nodiscard]] static std::shared_ptr<NMEAWriter> initWithPath(const std::string &path,
                                                                   std::error_code &error);
-    explicit NMEAWriter(std::unique_ptr<OutputFile> file) : file_(std::move(file)) {}
+    /// A writer to a file that is open already, or to memory (see `OutputFile`). Must not be null.
+    explicit NMEAWriter(std::unique_ptr<OutputFile> file);
+    NMEAWriter(const NMEAWriter &) = delete;
+    NMEAWriter &operator=(const NMEAWriter &) = delete;
+    /// Closes the file if `close` was not called; a route that is open is lost then, and whether
+    /// closing worked is not to be known.
+    ~NMEAWriter() override;
 
-    /// Who is told, on the main thread, of each `warning` and `error`; held until replaced.
-    template <class Target>
-    void setErrorObject(std::shared_ptr<Target> object, void (Target::*andSelector)(Report)) {
-        errorObject_ = std::move(object);
-        errorSelector_ = Selector<Report>(andSelector);
+    /// Who is told, on the main thread, of each `warning` and `error`: an object and its method, or
+    /// a lambda (see MessageTarget.h); null: nobody.
+    void setErrorObject(MessageTarget<Report> target);
+    template <class Object, class Method>
+    void setErrorObject(Object object, Method andSelector) {
+        setErrorObject({std::move(object), std::move(andSelector)});
     }
-    /// Who is told of the progress of transfers: of track points, waypoints and route points. Null:
-    /// nobody.
-    void setProgress(std::shared_ptr<GPXExporterProgress> progress) {
-        progress_ = std::move(progress);
-    }
+    /// Who is told of the progress of transfers: of track points, waypoints and route points. Held
+    /// until replaced; null: nobody.
+    void setProgress(std::shared_ptr<GPXExporterProgress> progress);
 
+    /// Writes what is buffered, so that who reads along has all that came, less the route that is
+    /// open. The first failure of any write, or none.
+    std::error_code flush();
     /// Writes what is still to be written and closes the file; no call may follow. The first
     /// failure of any write, or none.
     std::error_code close();
     /// The first failure so far.
-    [[nodiscard]] std::error_code failure() const noexcept { return file_->failure(); }
+    [[nodiscard]] std::error_code failure() const noexcept;
     /// What was left out so far.
-    [[nodiscard]] const Omissions &omissions() const noexcept { return omissions_; }
+    [[nodiscard]] const NMEAOmissions &omissions() const noexcept;
 
     void newTrackSegment() override {}
     void newTrack(const Dictionary *extra) override;
@@ -94,28 +117,8 @@ class NMEAWriter : public GPSOutputReceiver {
     void endSending(int /*kind*/) override {}
 
   private:
-    struct Route {
-        std::string identifier;
-        std::vector<std::string> names;
-    };
-
-    void writeSentence(std::string_view body);
-    void writePlace(const GPSPoint &point, const Dictionary *extra, bool isInRoute);
-    void endRoute();
-    void countPoint();
-    [[nodiscard]] bool isWritable(const GPSPoint &point);
-
-    std::unique_ptr<OutputFile> file_;
-    std::shared_ptr<void> errorObject_;
-    Selector<Report> errorSelector_;
-    std::shared_ptr<GPXExporterProgress> progress_;
-    int transferKind_ = 0;
-    int itemCount_ = 0;
-    NameTable waypointNames_{"WP"};
-    NameTable routeNames_{"ROUTE"};
-    int routes_ = 0;
-    std::optional<Route> route_; ///< the open one
-    Omissions omissions_;
+    struct State;
+    std::unique_ptr<State> state_;
 };
 
-} // namespace pelluvia::nmea
+} // namespace pelluvia

@@ -6,13 +6,21 @@
 #include <Pelluvia/formats/calllog/internal/CallLogLimits.h>
 
 #include <Pelluvia/model/ExtrasKeys.h>
+#include <Pelluvia/model/NullReceiver.h>
 #include <Pelluvia/values/Array.h>
+#include <Pelluvia/values/CocoaErrors.h>
 
+#include <array>
+#include <cerrno>
 #include <cmath>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <stop_token>
 #include <string>
 #include <string_view>
+#include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace pelluvia {
@@ -29,7 +37,8 @@ using testing::readLog;
 CallCollector readAll(std::string_view log) {
     CallCollector receiver;
     const auto fault = readLog(log, receiver);
-    EXPECT_FALSE(fault) << "line " << fault->line << ": " << fault->message;
+    EXPECT_EQ(fault, nullptr) << "line " << fault->integer(callLogErrorLine) << ": "
+                              << fault->localizedDescription();
     return receiver;
 }
 
@@ -204,10 +213,10 @@ TEST_P(RejectedLine, EndsTheReadingThere) {
     const auto fault = readLog("{\"call\":\"newTrackSegment\"}\n\n" + GetParam().line +
                                    "\n{\"call\":\"endTransfer:\",\"kind\":1}\n",
                                receiver);
-    ASSERT_TRUE(fault);
-    EXPECT_EQ(fault->line, 3);
-    EXPECT_THAT(fault->message, HasSubstr(GetParam().reason));
-    EXPECT_LT(fault->message.size(), 400U);
+    ASSERT_NE(fault, nullptr);
+    EXPECT_EQ(fault->integer(callLogErrorLine), 3);
+    EXPECT_THAT(fault->localizedDescription(), HasSubstr(GetParam().reason));
+    EXPECT_LT(fault->localizedDescription().size(), 400U);
     EXPECT_THAT(receiver.names(), ElementsAre("newTrackSegment"));
 }
 
@@ -308,9 +317,9 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(CallLogReader, TellsTheColumnOfBadJSON) {
     CallCollector receiver;
     const auto fault = readLog(R"({"call":newTrackSegment})", receiver);
-    ASSERT_TRUE(fault);
-    EXPECT_EQ(fault->line, 1);
-    EXPECT_EQ(fault->column, 10);
+    ASSERT_NE(fault, nullptr);
+    EXPECT_EQ(fault->integer(callLogErrorLine), 1);
+    EXPECT_EQ(fault->integer(callLogErrorColumn), 10);
 }
 
 TEST(CallLogReader, ALineBeyondTheLimitIsAFault) {
@@ -318,27 +327,174 @@ TEST(CallLogReader, ALineBeyondTheLimitIsAFault) {
     const auto fault = readLog("{\"call\":\"newTrackSegment\"}\n" +
                                    std::string(callLogLimits::lineSize + 1, ' ') + "\n",
                                receiver);
-    ASSERT_TRUE(fault);
-    EXPECT_EQ(fault->line, 2);
-    EXPECT_THAT(fault->message, HasSubstr("longer than 16777216 bytes"));
+    ASSERT_NE(fault, nullptr);
+    EXPECT_EQ(fault->integer(callLogErrorLine), 2);
+    EXPECT_THAT(fault->localizedDescription(), HasSubstr("longer than 16777216 bytes"));
     EXPECT_THAT(receiver.names(), ElementsAre("newTrackSegment"));
 }
 
-TEST(CallLogReader, ReadingEndsWithoutAFaultWhenItIsToldToStop) {
+TEST(CallLogReader, AnErrorTellsTheWholeStory) {
+    const testing::TemporaryFolder folder;
+    const std::string path = folder.write("bad.jsonl", "\n{\"call\":nothing}\n");
     CallCollector receiver;
-    const testing::OpenText file("{\"call\":\"newTrackSegment\"}\n"
-                                 "{\"call\":\"newTrackSegment\"}\nbad\n");
+    const ErrorPtr error = CallLogReader(receiver).processFile(path);
+    ASSERT_NE(error, nullptr);
+    EXPECT_EQ(error->domain(), NSCocoaErrorDomain);
+    EXPECT_EQ(error->code(), NSFileReadCorruptFileError);
+    EXPECT_EQ(std::get<std::string>(*error->find(NSFilePathErrorKey)), path);
+    EXPECT_EQ(error->integer(callLogErrorLine), 2);
+    EXPECT_EQ(error->integer(callLogErrorColumn), 10);
+}
+
+TEST(CallLogReader, ReadsALogInMemory) {
+    const std::string log =
+        "\n{\"call\":\"newTrackSegment\"}\n{\"call\":\"endTransfer:\",\"kind\":1}";
+    CallCollector receiver;
     CallLogReader reader(receiver);
-    reader.setStop([&receiver] { return receiver.calls.size() == 2; });
-    EXPECT_FALSE(reader.read(file.descriptor()));
-    EXPECT_THAT(receiver.names(), ElementsAre("newTrackSegment", "newTrackSegment"));
+    EXPECT_EQ(reader.processText(log), nullptr);
+    EXPECT_THAT(receiver.names(), ElementsAre("newTrackSegment", "endTransfer:1"));
+    EXPECT_EQ(reader.readingProgress().position, log.size());
+    EXPECT_EQ(reader.readingProgress().size, log.size());
+
+    const ErrorPtr error = reader.processText(log + "\nx");
+    ASSERT_NE(error, nullptr);
+    EXPECT_EQ(error->integer(callLogErrorLine), 4);
+    const std::string longLine(callLogLimits::lineSize + 1, ' ');
+    EXPECT_NE(reader.processText(longLine), nullptr);
+}
+
+TEST(CallLogReader, RefusesAPathThatHoldsANUL) {
+    const testing::TemporaryFolder folder;
+    std::string path = folder.write("log", "{\"call\":\"newTrackSegment\"}\n");
+    path.append("\0.jsonl", 7);
+    CallCollector receiver;
+    const ErrorPtr error = CallLogReader(receiver).processFile(path);
+    ASSERT_NE(error, nullptr);
+    EXPECT_EQ(error->code(), EINVAL);
+    EXPECT_THAT(receiver.names(), IsEmpty());
+}
+
+TEST(CallLogReader, TellsHowFarItHasRead) {
+    /// Looks at each call how far the reader is.
+    class Watch : public NullReceiver {
+      public:
+        CallLogReader *reader = nullptr;
+        std::uint64_t before = 0;
+        int calls = 0;
+        void newTrackSegment() override {
+            const ReadingProgress progress = reader->readingProgress();
+            EXPECT_GE(progress.position, before);
+            EXPECT_LE(progress.position, *progress.size);
+            before = progress.position;
+            ++calls;
+        }
+    } receiver;
+    std::string log;
+    for (int i = 0; i < 20'000; ++i) {
+        log += "{\"call\":\"newTrackSegment\"}\n";
+    }
+    const testing::OpenText file(log);
+    CallLogReader reader(receiver);
+    receiver.reader = &reader;
+    EXPECT_EQ(reader.processDescriptor(file.descriptor()), nullptr);
+    EXPECT_EQ(receiver.calls, 20'000);
+    EXPECT_EQ(reader.readingProgress().size, log.size());
+    EXPECT_EQ(reader.readingProgress().position, log.size());
+}
+
+/// Requests a stop at a call.
+class StoppingReceiver : public CallCollector {
+  public:
+    std::stop_source stop;
+    void newTrackSegment() override {
+        CallCollector::newTrackSegment();
+        stop.request_stop();
+    }
+};
+
+TEST(CallLogReader, MakesNoCallBehindAStopButTheEndOfTheTransfer) {
+    StoppingReceiver receiver;
+    CallLogReader reader(receiver);
+    reader.setStopToken(receiver.stop.get_token());
+    const ErrorPtr error =
+        reader.processText("{\"call\":\"startTransfer:kind:extra:\",\"kind\":1,\"extra\":null}\n"
+                           "{\"call\":\"newTrackSegment\"}\n{\"call\":\"newTrackSegment\"}\nbad\n");
+    ASSERT_NE(error, nullptr);
+    EXPECT_EQ(error->domain(), NSCocoaErrorDomain);
+    EXPECT_EQ(error->code(), NSUserCancelledError);
+    EXPECT_THAT(receiver.names(),
+                ElementsAre("startTransfer:kind:extra:1", "newTrackSegment", "endTransfer:1"));
+}
+
+TEST(CallLogReader, AStopOutsideATransferEndsNone) {
+    StoppingReceiver receiver;
+    CallLogReader reader(receiver);
+    reader.setStopToken(receiver.stop.get_token());
+    EXPECT_NE(
+        reader.processText("{\"call\":\"endTransfer:\",\"kind\":1}\n"
+                           "{\"call\":\"newTrackSegment\"}\n{\"call\":\"newTrackSegment\"}\n"),
+        nullptr);
+    EXPECT_THAT(receiver.names(), ElementsAre("endTransfer:1", "newTrackSegment"));
+}
+
+TEST(CallLogReader, AStopEndsTheWaitingForAPipe) {
+    std::array<int, 2> pipe{};
+    ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
+    CallCollector receiver;
+    std::stop_source stop;
+    std::thread stopping;
+    CallLogReader reader(receiver);
+    reader.setStopToken(stop.get_token());
+    reader.setSourcePaused([&] { stopping = std::thread([&] { stop.request_stop(); }); });
+    const ErrorPtr error = reader.processDescriptor(pipe[0]);
+    stopping.join();
+    ASSERT_NE(error, nullptr);
+    EXPECT_EQ(error->code(), NSUserCancelledError);
+    ::close(pipe[0]);
+    ::close(pipe[1]);
+}
+
+TEST(CallLogReader, TellsWhenAPipePauses) {
+    std::array<int, 2> pipe{};
+    ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
+    const std::string line = "{\"call\":\"newTrackSegment\"}\n";
+    CallCollector receiver;
+    std::vector<std::size_t> calls; // that were made at each pause
+    CallLogReader reader(receiver);
+    reader.setSourcePaused([&] {
+        calls.push_back(receiver.calls.size());
+        if (calls.size() < 4) {
+            EXPECT_EQ(::write(pipe[1], line.data(), line.size()),
+                      static_cast<ssize_t>(line.size()));
+        } else {
+            ::close(pipe[1]);
+        }
+    });
+    EXPECT_EQ(reader.processDescriptor(pipe[0]), nullptr);
+    ::close(pipe[0]);
+    EXPECT_THAT(calls, ElementsAre(0U, 1U, 2U, 3U));
+}
+
+TEST(LooksLikeCallLog, IsTrueOfLogs) {
+    EXPECT_TRUE(looksLikeCallLog("{\"call\":\"newTrackSegment\"}\n"));
+    EXPECT_TRUE(looksLikeCallLog("\n \t\r\n{ \"kind\":1, \"call\" : \"endTransfer:\"}"));
+    EXPECT_TRUE(looksLikeCallLog("\xEF\xBB\xBF{\"call\":\"newTr"));
+}
+
+TEST(LooksLikeCallLog, IsFalseOfOthers) {
+    for (const char *text :
+         {"", "\n", "{", "{}", "{\"call\"}", "{\n\"call\":1}", "[{\"call\":\"newTrackSegment\"}]",
+          "{\"type\":\"FeatureCollection\"}", "<gpx/>", "$GPGLL,4916.45,N,12311.12,W",
+          "{\"type\":1}\n{\"call\":\"newTrackSegment\"}\n"}) {
+        EXPECT_FALSE(looksLikeCallLog(text)) << text;
+    }
 }
 
 TEST(CallLogReader, AFileThatCannotBeReadIsAFault) {
     CallCollector receiver;
-    const auto fault = CallLogReader(receiver).read(-1);
-    ASSERT_TRUE(fault);
-    EXPECT_THAT(fault->message, HasSubstr("Bad file descriptor"));
+    const auto fault = CallLogReader(receiver).processDescriptor(-1);
+    ASSERT_NE(fault, nullptr);
+    EXPECT_THAT(fault->localizedDescription(), HasSubstr("Bad file descriptor"));
     EXPECT_THAT(receiver.calls, IsEmpty());
 }
 

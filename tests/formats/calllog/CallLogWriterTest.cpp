@@ -6,6 +6,7 @@
 
 #include <Pelluvia/model/ErrorDomains.h>
 #include <Pelluvia/model/ExtrasKeys.h>
+#include <Pelluvia/system/MainThread.h>
 #include <Pelluvia/values/Array.h>
 
 #include <cmath>
@@ -240,6 +241,14 @@ TEST(CallLogWriter, CloseTellsTheFirstFailureToWrite) {
     writer->newTrackSegment();
     EXPECT_EQ(writer->close(), std::errc::no_space_on_device);
     EXPECT_EQ(writer->failure(), std::errc::no_space_on_device);
+}
+
+TEST(CallLogWriter, WritesOutWhatItHoldsBackWhenAsked) {
+    std::string log;
+    CallLogWriter writer(OutputFile::inMemory(log));
+    writer.newTrackSegment();
+    EXPECT_FALSE(writer.flush());
+    EXPECT_EQ(log, "{\"call\":\"newTrackSegment\"}\n");
 }
 
 } // namespace

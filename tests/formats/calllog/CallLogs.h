@@ -9,7 +9,6 @@
 #include <fcntl.h>
 #include <functional>
 #include <gtest/gtest.h>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <sys/mman.h>
@@ -42,10 +41,9 @@ class OpenText {
 };
 
 /// Reads a log into a receiver.
-[[nodiscard]] inline std::optional<CallLogFault> readLog(std::string_view log,
-                                                         GPSOutputReceiver &receiver) {
+[[nodiscard]] inline ErrorPtr readLog(std::string_view log, GPSOutputReceiver &receiver) {
     const OpenText file(log);
-    return CallLogReader(receiver).read(file.descriptor());
+    return CallLogReader(receiver).processDescriptor(file.descriptor());
 }
 
 /// The log that a writer makes of the calls of `produce`.
@@ -66,8 +64,9 @@ writtenLog(const std::function<void(CallLogWriter &writer)> &produce) {
 /// The log that a writer makes of the calls of a log that must be right.
 [[nodiscard]] inline std::string rewrittenLog(std::string_view log) {
     return writtenLog([log](CallLogWriter &writer) {
-        const auto fault = readLog(log, writer);
-        EXPECT_FALSE(fault) << "line " << fault->line << ": " << fault->message;
+        const ErrorPtr fault = readLog(log, writer);
+        EXPECT_EQ(fault, nullptr) << "line " << fault->integer(callLogErrorLine) << ": "
+                                  << fault->localizedDescription();
     });
 }
 

@@ -22,7 +22,9 @@ struct Lines {
 
 Lines linesOf(std::string_view text, std::size_t longestLine) {
     const OpenText file(text);
-    LineReader reader(file.descriptor(), longestLine);
+    const formats::SourceWait wait(-1, {}, {});
+    formats::SourceProgress progress(file.descriptor());
+    LineReader reader(file.descriptor(), longestLine, wait, progress);
     Lines result;
     std::string_view line;
     while ((result.last = reader.next(line)) == Result::Line) {
@@ -64,7 +66,9 @@ TEST(LineReader, ALineOfTheLimitIsReadAndALongerOneIsNot) {
 }
 
 TEST(LineReader, AFileThatCannotBeReadIsAFailure) {
-    LineReader reader(-1, 100);
+    const formats::SourceWait wait(-1, {}, {});
+    formats::SourceProgress progress;
+    LineReader reader(-1, 100, wait, progress);
     std::string_view line;
     EXPECT_EQ(reader.next(line), Result::Failed);
     EXPECT_EQ(reader.failure(), std::errc::bad_file_descriptor);

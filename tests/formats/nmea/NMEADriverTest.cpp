@@ -128,17 +128,6 @@ TEST(NMEADriver, CanBeInterruptedWhileANamedPipeHasNoWriter) {
     EXPECT_THAT(list.calls, ElementsAre());
 }
 
-TEST(NMEADriver, StopsWhenItsReceiverHasNoUseForMore) {
-    PlayedReceiver receiver;
-    CallList list;
-    receiver.send(second(0) + second(1));
-    const Outcome outcome = readNMEA(receiver.path(), list, [&](NMEADriver &driver) {
-        driver.setIsEnough([&] { return !list.trackPoints.empty(); });
-    });
-    EXPECT_EQ(outcome.ending, NMEAEnding::Interrupted);
-    EXPECT_EQ(list.calls.back(), "end 1");
-}
-
 TEST(NMEADriver, SaysWhatCannotBeOpened) {
     const TemporaryFolder folder;
     CallList list;

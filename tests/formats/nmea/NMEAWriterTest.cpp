@@ -5,8 +5,11 @@
 
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/TransferKind.h>
+#include <Pelluvia/system/MainThread.h>
+#include <Pelluvia/system/OutputFile.h>
 
 #include <cmath>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <utility>
 #include <vector>
@@ -157,7 +160,7 @@ TEST(NMEAWriter, LeavesOutAndCountsWhatTheFormatCannotHold) {
     written.writer->newRoute(nullptr);
     written.writer->routePoint({.latitude = -90.5}, nullptr);
     written.writer->trackPoint({.latitude = 48.0, .longitude = 11.5, .time = -1}, nullptr);
-    EXPECT_EQ(written.writer->omissions(), (Omissions{.points = 5, .times = 1}));
+    EXPECT_EQ(written.writer->omissions(), (NMEAOmissions{.points = 5, .times = 1}));
     EXPECT_EQ(written.log(), logOf({"GPRTE,1,1,c,ROUTE1", "GPRMC,,A,4800.000,N,01130.000,E,,,,,,A",
                                     "GPGGA,,4800.000,N,01130.000,E,1,,,,M,,M,,"}));
 }
@@ -170,11 +173,11 @@ TEST(NMEAWriter, CountsAltitudesAndSpeedsThatCannotBe) {
     written.writer->trackPoint(point, &backwards);
     written.writer->trackPoint({.latitude = 48.0, .longitude = 11.5}, nullptr);
     written.writer->wayPoint(point, nullptr); // no waypoint has an altitude
-    EXPECT_EQ(written.writer->omissions(), (Omissions{.values = 2}));
+    EXPECT_EQ(written.writer->omissions(), (NMEAOmissions{.values = 2}));
 }
 
 TEST(Omissions, AreOneLine) {
-    EXPECT_EQ(textOf(Omissions{}), "");
+    EXPECT_EQ(textOf(NMEAOmissions{}), "");
     EXPECT_EQ(textOf({.points = 1, .times = 1, .values = 1, .routePoints = 1}),
               "left out: 1 point without a position on the globe, 1 time before 1970 or after "
               "2069, 1 altitude or speed that cannot be, 1 point of a route with too many");
@@ -232,6 +235,31 @@ TEST(NMEAWriter, PassesReportsToTheErrorTarget) {
     EXPECT_TRUE(target->reports.empty()) << "only on the main thread";
     mainThread::drain();
     EXPECT_EQ(target->reports.size(), 1U);
+}
+
+TEST(NMEAWriter, TellsOfNamesThatGotANumberSinceTooManyWereThere) {
+    std::string log;
+    NMEAWriter writer(OutputFile::inMemory(log));
+    Dictionary extra;
+    for (int i = 0; i < 100'002; ++i) {
+        const std::string name = "Place " + std::to_string(i);
+        extra.set(extras::name, Value(std::string_view(name)));
+        writer.wayPoint({.latitude = 48.0}, &extra);
+    }
+    EXPECT_FALSE(writer.close());
+    EXPECT_EQ(writer.omissions(), (NMEAOmissions{.names = 2}));
+    EXPECT_EQ(textOf(writer.omissions()),
+              "2 names behind the first 100000 made unique by a number");
+    EXPECT_NE(log.find(",Place 99999*"), std::string::npos);
+    EXPECT_NE(log.find(",Place 100001-100002*"), std::string::npos);
+}
+
+TEST(NMEAWriter, WritesOutWhatItHoldsBackWhenAsked) {
+    std::string log;
+    NMEAWriter writer(OutputFile::inMemory(log));
+    writer.trackPoint({.latitude = 48.0}, nullptr);
+    EXPECT_FALSE(writer.flush());
+    EXPECT_THAT(log, ::testing::EndsWith("\r\n"));
 }
 
 TEST(NMEAWriter, CannotBeMadeWhereNoFileCanBe) {

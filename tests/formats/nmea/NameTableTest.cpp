@@ -1,6 +1,8 @@
 #include <Pelluvia/formats/nmea/write/NameTable.h>
 
 #include <gtest/gtest.h>
+#include <set>
+#include <string>
 
 namespace pelluvia::nmea {
 namespace {
@@ -72,12 +74,68 @@ TEST(NameTable, KeepsNumberedNamesShortEnough) {
     }
 }
 
-TEST(NameTable, IsQuickWithManyThingsOfOneName) {
+TEST(NameTable, ManyThingsOfOneNameTakeABoundedNumberOfLookupsEach) {
     NameTable names("WP");
-    for (int i = 0; i < 200'000; ++i) {
+    constexpr int things = 200'000;
+    for (int i = 0; i < things; ++i) {
         (void)names.nameFor("Home", std::to_string(i));
     }
     EXPECT_EQ(names.nameFor("Home", "last").name, "Home-200001");
+    EXPECT_LE(names.lookups(), std::size_t{3} * things);
+}
+
+/// Names that differ only where a number takes their place.
+TEST(NameTable, NamesThatAreCutToTheSameTakeABoundedNumberOfLookupsEach) {
+    NameTable names("WP");
+    constexpr int things = 5'000;
+    std::set<std::string> given;
+    for (int i = 0; i < things; ++i) {
+        const std::string number = std::to_string(i);
+        const std::string name =
+            std::string(longestName - 5, 'x') + std::string(5 - number.size(), '0') + number;
+        given.insert(names.nameFor(name, "here").name);
+        given.insert(names.nameFor(name, "there").name);
+    }
+    EXPECT_EQ(given.size(), std::size_t{2} * things);
+    EXPECT_LE(names.lookups(), std::size_t{8} * things);
+}
+
+TEST(NameTable, NamesThatHaveNumbersOfTheirOwnTakeABoundedNumberOfLookupsEach) {
+    NameTable names("WP");
+    constexpr int things = 5'000;
+    for (int i = 2; i < things; ++i) {
+        (void)names.nameFor("Home-" + std::to_string(i), "here");
+        (void)names.nameFor("WP" + std::to_string(i), "here");
+    }
+    for (int i = 0; i < things; ++i) {
+        (void)names.nameFor("Home", std::to_string(i));
+        (void)names.nameFor("", std::to_string(i));
+    }
+    EXPECT_LE(names.lookups(), std::size_t{8} * things);
+}
+
+TEST(NameTable, RemembersOnlySoManyNamesAndGivesEachLaterThingANumberOfItsOwn) {
+    NameTable names("WP", 3);
+    EXPECT_EQ(names.nameFor("Home", "a").name, "Home");
+    EXPECT_EQ(names.nameFor("Lake", "b").name, "Lake");
+    EXPECT_EQ(names.nameFor("Lake-5", "c").name, "Lake-5");
+    const std::size_t size = names.size();
+
+    const auto entry = names.nameFor("Hill", "d");
+    EXPECT_EQ(entry.name, "Hill-4");
+    EXPECT_TRUE(entry.isNew);
+    EXPECT_TRUE(entry.isBeyond);
+    EXPECT_EQ(names.nameFor("Lake", "e").name, "Lake-6") << "Lake-5 is taken";
+    EXPECT_EQ(names.nameFor("", "f").name, "WP7");
+    EXPECT_EQ(names.nameFor("Hill", "d").name, "Hill-8");
+    const std::string longest(longestName, 'x');
+    EXPECT_EQ(names.nameFor(longest, "g").name, longest.substr(2) + "-9");
+    EXPECT_EQ(names.size(), size);
+
+    const auto known = names.nameFor("Lake", "b");
+    EXPECT_EQ(known.name, "Lake");
+    EXPECT_FALSE(known.isNew);
+    EXPECT_FALSE(known.isBeyond);
 }
 
 } // namespace

@@ -15,11 +15,11 @@ class Written {
   public:
     Written() {
         std::error_code error;
-        writer = nmea::NMEAWriter::initWithPath(folder_.file("log.nmea"), error);
+        writer = NMEAWriter::initWithPath(folder_.file("log.nmea"), error);
         EXPECT_NE(writer, nullptr) << error.message();
     }
 
-    std::shared_ptr<nmea::NMEAWriter> writer;
+    std::shared_ptr<NMEAWriter> writer;
 
     /// Closes the writer; the file's content.
     [[nodiscard]] std::string log() const {

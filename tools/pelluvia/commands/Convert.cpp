@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -140,13 +141,14 @@ class Conversion {
         }
         const auto receiver = filtered();
         CallLogReader reader(*receiver);
-        reader.setStop(output_.hasFailed);
-        const auto fault = reader.read(source.number());
+        const ErrorPtr fault = reader.processDescriptor(source.number());
         sayWhatWasReported(path);
-        if (!fault) {
+        if (fault == nullptr) {
             return std::nullopt;
         }
-        return InputFault{.line = fault->line, .column = fault->column, .message = fault->message};
+        return InputFault{.line = fault->integer(callLogErrorLine),
+                          .column = fault->integer(callLogErrorColumn),
+                          .message = fault->localizedDescription()};
     }
 
     std::optional<InputFault> readNMEA(const std::string &path) {
@@ -158,7 +160,13 @@ class Conversion {
         driver.setLongestGap(options_.nmea.longestGap);
         driver.setDay(options_.nmea.day);
         driver.setEndDescriptor(interrupts.descriptor());
-        driver.setIsEnough(output_.hasFailed);
+        std::stop_source stop;
+        driver.setStopToken(stop.get_token());
+        driver.setSourcePaused([&] {
+            if (output_.hasFailed()) {
+                stop.request_stop(); // a receiver would send for ever
+            }
+        });
         if (bar_ != nullptr) {
             driver.setStatusLine([this](std::string_view text) {
                 bar_->setMuted(true);
@@ -176,7 +184,7 @@ class Conversion {
         if (driver.ending() != NMEAEnding::NotOpened) {
             say(sourceName(path) + ": " + textOf(driver.tally()));
         }
-        return error != nullptr
+        return error != nullptr && driver.ending() != NMEAEnding::Stopped
                    ? std::optional(InputFault{.message = error->localizedDescription()})
                    : std::nullopt;
     }

@@ -53,7 +53,7 @@ Output openCallLog(const std::string &path, const std::shared_ptr<ReportCollecto
 Output openNMEA(const std::string &path, const std::shared_ptr<ReportCollector> &collector,
                 const std::shared_ptr<GPXExporterProgress> &progress) {
     std::error_code error;
-    const auto writer = nmea::NMEAWriter::initWithPath(path, error);
+    const auto writer = NMEAWriter::initWithPath(path, error);
     if (writer == nullptr) {
         return {.receiver = nullptr, .finish = {}, .hasFailed = {}, .openFailure = error};
     }
@@ -63,7 +63,7 @@ Output openNMEA(const std::string &path, const std::shared_ptr<ReportCollector> 
             .finish = [writer] { return writer->close(); },
             .hasFailed = [writer] { return bool(writer->failure()); },
             .openFailure = {},
-            .remark = [writer] { return nmea::textOf(writer->omissions()); }};
+            .remark = [writer] { return textOf(writer->omissions()); }};
 }
 
 } // namespace

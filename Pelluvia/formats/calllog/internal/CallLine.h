@@ -40,19 +40,14 @@ struct CallLineFault {
     std::int64_t column = 0; ///< in bytes, from 1; 0 when it is not known
 };
 
-/// One line of a call log as a set of named values, not yet fitted to a call. Made once and parsed
-/// into again for each line.
+/// One line of a call log as a set of named values, not yet fitted to a call. Made once and filled
+/// again for each line (see CallLineParser.h).
 ///
 /// Threads: one at a time.
 class CallLine {
   public:
-    /// Reads a line, which must be one JSON object within the limits of CallLogLimits.h. What is
-    /// wrong with it, or nothing.
-    ///
-    /// A number with a point or an exponent becomes a 64-bit float, any other an integer. Inside
-    /// `extra` and `extras`, an object of exactly the five fields of a point, in their order and
-    /// with their types, becomes a wrapped `GPSPoint`, and {"real":"NaN"} and its like a number.
-    [[nodiscard]] std::optional<CallLineFault> parse(std::string_view line);
+    /// Takes all fields out.
+    void clear() { fields_.fill(std::nullopt); }
 
     /// The value of a field: nothing when the line does not have it, a nil value for null.
     [[nodiscard]] const std::optional<Value> &operator[](CallField field) const noexcept {

@@ -12,8 +12,13 @@ constexpr std::size_t chunkSize = std::size_t{64} * 1024;
 
 } // namespace
 
-LineReader::LineReader(int descriptor, std::size_t longestLine)
-    : descriptor_(descriptor), longestLine_(longestLine), buffer_(chunkSize, '\0') {}
+LineReader::LineReader(int descriptor, std::size_t longestLine, const formats::SourceWait &wait,
+                       formats::SourceProgress &progress)
+    : descriptor_(descriptor),
+      longestLine_(longestLine),
+      wait_(wait),
+      progress_(progress),
+      buffer_(chunkSize, '\0') {}
 
 LineReader::Result LineReader::next(std::string_view &line) {
     for (;;) {
@@ -44,13 +49,18 @@ LineReader::Result LineReader::readMore() {
     makeRoom();
     ssize_t got = 0;
     do {
+        const auto waited = wait_.wait(descriptor_, failure_);
+        if (waited != formats::SourceWait::Result::Readable) {
+            return waited == formats::SourceWait::Result::Failed ? Result::Failed : Result::Stopped;
+        }
         got = ::read(descriptor_, buffer_.data() + end_, buffer_.size() - end_);
-    } while (got < 0 && errno == EINTR);
+    } while (got < 0 && (errno == EINTR || errno == EAGAIN));
     if (got < 0) {
         failure_ = {errno, std::generic_category()};
         return Result::Failed;
     }
     end_ += static_cast<std::size_t>(got);
+    progress_.add(static_cast<std::size_t>(got));
     return got > 0 ? Result::Line : Result::End;
 }
 

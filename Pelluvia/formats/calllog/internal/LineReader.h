@@ -1,5 +1,9 @@
 #pragma once
 
+#include <Pelluvia/formats/calllog/internal/LineSource.h>
+#include <Pelluvia/formats/internal/SourceProgress.h>
+#include <Pelluvia/formats/internal/SourceWait.h>
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -10,24 +14,15 @@ namespace pelluvia {
 /// The lines of an open file, one after the other. Memory grows with the longest line, not with the
 /// file.
 ///
-/// The descriptor is borrowed and read from where it stands. Threads: one at a time.
-class LineReader {
+/// The descriptor is borrowed and read from where it stands; `wait` and `progress`, which is told
+/// of what is read, are borrowed too. Threads: one at a time.
+class LineReader final : public LineSource {
   public:
-    enum class Result {
-        Line,    ///< a line was read
-        End,     ///< there are no more
-        TooLong, ///< the next line is longer than the limit; there is no way on
-        Failed   ///< the file cannot be read; see `failure`
-    };
+    LineReader(int descriptor, std::size_t longestLine, const formats::SourceWait &wait,
+               formats::SourceProgress &progress);
 
-    LineReader(int descriptor, std::size_t longestLine);
-
-    /// Reads the next line. On `Line`, `line` is its text without the line end, valid until the
-    /// next call. The last line may lack its line end.
-    [[nodiscard]] Result next(std::string_view &line);
-
-    /// Why reading failed.
-    [[nodiscard]] std::error_code failure() const noexcept { return failure_; }
+    [[nodiscard]] Result next(std::string_view &line) override;
+    [[nodiscard]] std::error_code failure() const noexcept override { return failure_; }
 
   private:
     [[nodiscard]] Result readMore();
@@ -35,6 +30,8 @@ class LineReader {
 
     int descriptor_;
     std::size_t longestLine_;
+    const formats::SourceWait &wait_;
+    formats::SourceProgress &progress_;
     std::string buffer_;       // its size is the room there is
     std::size_t begin_ = 0;    // of the line being read
     std::size_t searched_ = 0; // up to here there is no line end

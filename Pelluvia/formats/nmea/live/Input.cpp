@@ -1,8 +1,8 @@
 #include <Pelluvia/formats/nmea/live/Input.h>
 
 #include <cerrno>
+#include <utility>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,20 +14,6 @@ std::error_code errorOf(int number) noexcept {
     return {number, std::generic_category()};
 }
 
-/// The descriptor, or -1 and the reason. Without blocking: the writer of a named pipe is waited for
-/// in `poll`, where an interrupt is seen, and a serial line must neither wait for a modem nor
-/// become the terminal that controls us.
-int openForReading(const std::string &path, std::error_code &error) {
-    int descriptor = -1;
-    do {
-        descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-    } while (descriptor < 0 && errno == EINTR);
-    if (descriptor < 0) {
-        error = errorOf(errno);
-    }
-    return descriptor;
-}
-
 bool isCharacterDevice(int descriptor) noexcept {
     struct stat status {};
     return ::fstat(descriptor, &status) == 0 && S_ISCHR(status.st_mode);
@@ -37,17 +23,13 @@ bool isCharacterDevice(int descriptor) noexcept {
 
 std::unique_ptr<Input> Input::open(const std::string &path, long baud,
                                    const formats::SourceWait &wait, std::error_code &error) {
-    error.clear();
-    // The system would open what stands before it.
-    if (path.find('\0') != std::string::npos) {
-        error = errorOf(EINVAL);
+    formats::OpenSource source(path, error);
+    if (error) {
         return nullptr;
     }
-    const int descriptor = openForReading(path, error);
-    if (descriptor < 0) {
-        return nullptr;
-    }
-    std::unique_ptr<Input> input(new Input(descriptor, true, wait));
+    const int descriptor = source.descriptor();
+    std::unique_ptr<Input> input(new Input(descriptor, wait));
+    input->source_.emplace(std::move(source));
     if (isCharacterDevice(descriptor)) {
         // Any other than a terminal may give bytes without end, and none that a receiver sent.
         input->port_ = SerialPort::setUp(descriptor, baud, error);
@@ -59,20 +41,13 @@ std::unique_ptr<Input> Input::open(const std::string &path, long baud,
 }
 
 std::unique_ptr<Input> Input::borrow(int descriptor, const formats::SourceWait &wait) {
-    return std::unique_ptr<Input>(new Input(descriptor, false, wait));
+    return std::unique_ptr<Input>(new Input(descriptor, wait));
 }
 
-Input::Input(int descriptor, bool isOwned, const formats::SourceWait &wait) noexcept
-    : descriptor_(descriptor), isOwned_(isOwned), wait_(wait) {
+Input::Input(int descriptor, const formats::SourceWait &wait) noexcept
+    : descriptor_(descriptor), wait_(wait) {
     struct stat status {};
     isLive_ = ::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode);
-}
-
-Input::~Input() {
-    port_.reset(); // needs the descriptor
-    if (isOwned_) {
-        ::close(descriptor_);
-    }
 }
 
 Input::Result Input::read(std::span<char> buffer, std::size_t &size) {

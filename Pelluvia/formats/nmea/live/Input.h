@@ -1,10 +1,12 @@
 #pragma once
 
+#include <Pelluvia/formats/internal/OpenSource.h>
 #include <Pelluvia/formats/internal/SourceWait.h>
 #include <Pelluvia/formats/nmea/live/SerialPort.h>
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <system_error>
@@ -40,7 +42,7 @@ class Input {
 
     Input(const Input &) = delete;
     Input &operator=(const Input &) = delete;
-    ~Input();
+    ~Input() = default;
 
     /// Waits for bytes and reads some. On `Bytes`, `size` of them stand at the front of `buffer`.
     [[nodiscard]] Result read(std::span<char> buffer, std::size_t &size);
@@ -53,15 +55,15 @@ class Input {
     [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
 
   private:
-    Input(int descriptor, bool isOwned, const formats::SourceWait &wait) noexcept;
+    Input(int descriptor, const formats::SourceWait &wait) noexcept;
     [[nodiscard]] Result waitForBytes();
     [[nodiscard]] Result fail(const std::error_code &error);
 
+    std::optional<formats::OpenSource> source_; ///< nothing where the descriptor is borrowed
     int descriptor_;
-    bool isOwned_;
     bool isLive_ = true;
     const formats::SourceWait &wait_;
-    std::unique_ptr<SerialPort> port_; ///< of a serial device
+    std::unique_ptr<SerialPort> port_; ///< of a serial device; goes before the source is closed
     std::error_code failure_;
 };
 

@@ -1,6 +1,7 @@
 #include <Pelluvia/formats/nmea/write/NameTable.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace pelluvia::nmea {
 
@@ -44,22 +45,65 @@ std::string safeName(std::string_view name) {
 }
 
 NameTable::Entry NameTable::nameFor(std::string_view wanted, std::string_view identity) {
-    std::string name = safeName(wanted);
-    const std::string base = name.empty() ? stem_ : name;
-    const std::string separator = name.empty() ? "" : "-"; // the name may end in a digit
-    if (!name.empty()) {
-        const auto [found, isNew] = identities_.try_emplace(name, identity);
-        if (isNew || found->second == identity) {
-            return {std::move(name), isNew};
-        }
-        lastNumbers_.try_emplace(base, 1); // the one without a number
+    const std::string name = safeName(wanted);
+    if (name.empty()) {
+        const Beginning generated{.base = stem_, .separator = "", .firstNumber = 1};
+        return isFull() ? beyond(generated) : numbered(generated, identity);
     }
-    int &last = lastNumbers_[base];
-    do {
-        const std::string suffix = separator + std::to_string(++last);
-        name = base.substr(0, longestName - suffix.size()) + suffix;
-    } while (!identities_.try_emplace(name, identity).second);
-    return {std::move(name), true};
+    ++lookups_;
+    const auto found = identities_.find(name);
+    if (found != identities_.end() && found->second == identity) {
+        return {.name = name, .isNew = false};
+    }
+    // The name may end in a digit. The one without a number is the first.
+    const Beginning named{.base = name, .separator = "-", .firstNumber = 2};
+    if (isFull()) {
+        return beyond(named);
+    }
+    if (found != identities_.end()) {
+        return numbered(named, identity);
+    }
+    identities_.emplace(name, identity);
+    return {.name = name, .isNew = true};
+}
+
+/// The beginning, cut as far as needed, and the number.
+std::string NameTable::join(const Beginning &beginning, std::size_t number) {
+    const std::string digits = std::to_string(number);
+    const std::size_t suffix = beginning.separator.size() + digits.size();
+    return std::string(beginning.base.substr(0, longestName - suffix))
+        .append(beginning.separator)
+        .append(digits);
+}
+
+NameTable::Entry NameTable::numbered(const Beginning &beginning, std::string_view identity) {
+    // How far the beginning is cut depends on the count of digits only.
+    std::size_t first = beginning.firstNumber;
+    std::size_t end = 10;
+    for (std::size_t digits = 1;; ++digits, first = end, end *= 10) {
+        std::string cut = join(beginning, first);
+        cut.resize(cut.size() - digits);
+        std::size_t &last =
+            lastNumbers_.try_emplace({std::move(cut), digits}, first - 1).first->second;
+        while (last + 1 < end) {
+            ++lookups_;
+            const auto [found, isNew] = identities_.try_emplace(join(beginning, ++last), identity);
+            if (isNew) {
+                return {.name = found->first, .isNew = true};
+            }
+        }
+    }
+}
+
+/// A number that no other name has: there is no name to remember then.
+NameTable::Entry NameTable::beyond(const Beginning &beginning) {
+    for (;;) {
+        ++lookups_;
+        std::string name = join(beginning, most_ + ++lastBeyond_);
+        if (!identities_.contains(name)) {
+            return {.name = std::move(name), .isNew = true, .isBeyond = true};
+        }
+    }
 }
 
 } // namespace pelluvia::nmea
