@@ -8,7 +8,7 @@ if(NOT TARGET PelluviaStorage)
     list(FILTER headers EXCLUDE REGEX "^Pelluvia/storage/")
 endif()
 set(inner_headers ${headers})
-list(FILTER inner_headers INCLUDE REGEX "/internal/|^tools/")
+list(FILTER inner_headers INCLUDE REGEX "/internal/|/formats/nmea/(read|write|live)/|^tools/")
 list(REMOVE_ITEM headers ${inner_headers})
 
 # header_test(name header...): the objects of one source for each header.

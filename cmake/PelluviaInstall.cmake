@@ -1,6 +1,6 @@
 # What `cmake --install` puts under the prefix: the shared libraries, the public headers, the CMake
-# package, pelluvia.pc and pelluvia-storage.pc. The package asks for nothing: the XML library and GIO
-# are the shared libraries' own business.
+# package, pelluvia.pc and one .pc file for each component. The package asks for nothing: the XML
+# library, the JSON library and GIO are the shared libraries' own business.
 
 option(PELLUVIA_INSTALL "Install the framework" ${PROJECT_IS_TOP_LEVEL})
 if(NOT PELLUVIA_INSTALL)
@@ -12,13 +12,16 @@ set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Pelluvia)
 
 install(TARGETS Pelluvia EXPORT PelluviaTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-# Public are the headers that lie directly in a folder of the framework. Those further down, and those
-# named ...Internal.h, are not installed.
-file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/Pelluvia/*/*.h)
-list(FILTER headers EXCLUDE REGEX "Internal\\.h$")
-if(NOT TARGET PelluviaStorage)
-    list(FILTER headers EXCLUDE REGEX "^Pelluvia/storage/")
-endif()
+# Public are the headers that lie directly in a folder of the framework, or of a format. Those further
+# down, and those named ...Internal.h, are not installed.
+file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
+    ${PROJECT_SOURCE_DIR}/Pelluvia/*/*.h ${PROJECT_SOURCE_DIR}/Pelluvia/formats/*/*.h)
+list(FILTER headers EXCLUDE REGEX "Internal\\.h$|/internal/")
+foreach(component formats storage)
+    if(NOT TARGET Pelluvia::${component})
+        list(FILTER headers EXCLUDE REGEX "^Pelluvia/${component}/")
+    endif()
+endforeach()
 foreach(header IN LISTS headers)
     cmake_path(GET header PARENT_PATH folder)
     install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
@@ -27,11 +30,17 @@ install(FILES ${PROJECT_BINARY_DIR}/generated/Pelluvia/model/GPXDataHost.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/Pelluvia/model)
 
 install(EXPORT PelluviaTargets NAMESPACE Pelluvia:: DESTINATION ${package_folder})
-if(TARGET PelluviaStorage)
-    install(TARGETS PelluviaStorage EXPORT PelluviaStorageTargets
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-    install(EXPORT PelluviaStorageTargets NAMESPACE Pelluvia:: DESTINATION ${package_folder})
-endif()
+# Each component has an export file of its own, which is loaded when the component is asked for.
+set(pc_files pelluvia)
+foreach(component formats storage)
+    if(TARGET Pelluvia::${component})
+        get_target_property(target Pelluvia::${component} ALIASED_TARGET)
+        install(TARGETS ${target} EXPORT ${target}Targets
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+        install(EXPORT ${target}Targets NAMESPACE Pelluvia:: DESTINATION ${package_folder})
+        list(APPEND pc_files pelluvia-${component})
+    endif()
+endforeach()
 configure_package_config_file(
     ${CMAKE_CURRENT_LIST_DIR}/PelluviaConfig.cmake.in ${PROJECT_BINARY_DIR}/PelluviaConfig.cmake
     INSTALL_DESTINATION ${package_folder})
@@ -52,10 +61,6 @@ else()
     set(pc_prefix "\${pcfiledir}/${up}")
     set(pc_libdir "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
     set(pc_includedir "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
-endif()
-set(pc_files pelluvia)
-if(TARGET PelluviaStorage)
-    list(APPEND pc_files pelluvia-storage)
 endif()
 foreach(each IN LISTS pc_files)
     configure_file(${CMAKE_CURRENT_LIST_DIR}/${each}.pc.in ${PROJECT_BINARY_DIR}/${each}.pc @ONLY)

@@ -1,9 +1,19 @@
 # Compares what the shared library LIBRARY defines for others with two lists:
 #   C_NAMES    the symbols with C linkage; not given: there are none
 #   CPP_NAMES  the classes, whose members may be defined, and the free functions
+# With VERSION_NODE, each symbol belongs to that version.
 # A name that is missing on either side fails the test.
 cmake_minimum_required(VERSION 3.22)
 include(${CMAKE_CURRENT_LIST_DIR}/Support.cmake)
+
+if(DEFINED VERSION_NODE)
+    run(${NM} -D --defined-only --with-symbol-versions ${LIBRARY})
+    string(REGEX MATCHALL "[^\n]+" lines "${output}")
+    list(FILTER lines EXCLUDE REGEX "@@${VERSION_NODE}$| A ${VERSION_NODE}$")
+    if(lines)
+        message(SEND_ERROR "not of the version ${VERSION_NODE}: ${lines}")
+    endif()
+endif()
 
 run(${NM} -D --defined-only -C ${LIBRARY})
 string(REPLACE "[abi:cxx11]" "" output "${output}")
@@ -31,7 +41,7 @@ foreach(line IN LISTS lines)
         else()
             message(SEND_ERROR "exported and in no list: ${symbol}")
         endif()
-    elseif(NOT symbol STREQUAL "")
+    elseif(NOT symbol STREQUAL "" AND NOT symbol STREQUAL "${VERSION_NODE}")
         list(APPEND c_names "${symbol}")
     endif()
 endforeach()
