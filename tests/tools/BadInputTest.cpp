@@ -191,11 +191,31 @@ TEST_F(BadInput, APartialResultDoesNotReplaceASource) {
     EXPECT_EQ(readFile(folder.file("good.gpx.partial.partial")), "<gpx>");
 }
 
-TEST_F(BadInput, WhatComesBehindABadSourceIsNotRead) {
+TEST_F(BadInput, WhatComesBehindBadSourcesIsReadAndEveryFaultIsNamed) {
     folder.write("bad.gpx", "<gpx>");
-    const Outcome outcome = run({"convert", "--to", "calls", "bad.gpx", ride(), "-"});
+    folder.write("bad.jsonl", "{\"call\":\"fly:\"}\n");
+    const Outcome outcome = run({"convert", "bad.gpx", ride(), "bad.jsonl", ride(), "new.gpx"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.output, Not(HasSubstr("Morning ride")));
+    EXPECT_THAT(outcome.errors,
+                MatchesRegex("bad.gpx:1:[0-9]+: .*\n"
+                             "bad.jsonl:1: unknown call \"fly:\"\n"
+                             "pelluvia: new.gpx is partial: of 2 of 4 sources it holds what was "
+                             "read before the fault\n"));
+    EXPECT_EQ(readFile(folder.file("new.gpx")), run({"convert", ride(), ride(), "-"}).output);
+}
+
+TEST_F(BadInput, WhatALogLeavesOpenDoesNotTakeInTheNextSource) {
+    const std::string opened = R"({"call":"startTransfer:kind:extra:","kind":2,"extra":null})"
+                               "\n"
+                               R"({"call":"newRoute:","extra":{"name":"half"}})"
+                               "\n";
+    folder.write("bad.jsonl", opened + "{\"call\":\n");
+    const Outcome outcome =
+        run({"convert", "--only", "routes,waypoints", "bad.jsonl", ride(), "-"});
+    EXPECT_EQ(outcome.status, 1);
+    folder.write("whole.jsonl", opened + "{\"call\":\"endTransfer:\",\"kind\":2}\n");
+    EXPECT_EQ(outcome.output,
+              run({"convert", "--only", "routes,waypoints", "whole.jsonl", ride(), "-"}).output);
 }
 
 TEST_F(BadInput, AStructuralErrorIsTheImportersMessageAtItsPlace) {

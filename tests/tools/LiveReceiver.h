@@ -18,8 +18,16 @@ namespace pelluvia::testing {
 /// A receiver on a pseudo-terminal, and the program that reads it into a target.
 class LiveReceiver {
   public:
+    /// Where the program's output goes; -1 is where that of the tests goes. Borrowed.
+    struct Streams {
+        int output = -1;
+        int errors = -1; ///< instead of to this object, which then cannot wait for what is read
+    };
+
     /// The last of the arguments is the target, others are options.
-    explicit LiveReceiver(const std::vector<std::string> &arguments) {
+    explicit LiveReceiver(const std::vector<std::string> &arguments)
+        : LiveReceiver(arguments, Streams()) {}
+    LiveReceiver(const std::vector<std::string> &arguments, const Streams &streams) {
         termios raw{};
         ::cfmakeraw(&raw);
         std::array<char, 100> name{};
@@ -36,7 +44,10 @@ class LiveReceiver {
         pointers.push_back(nullptr);
         child_ = ::fork();
         if (child_ == 0) {
-            ::dup2(errors[1], STDERR_FILENO);
+            ::dup2(streams.errors >= 0 ? streams.errors : errors[1], STDERR_FILENO);
+            if (streams.output >= 0) {
+                ::dup2(streams.output, STDOUT_FILENO);
+            }
             ::close(master_);
             ::close(slave_);
             ::execv(PELLUVIA_PROGRAM, pointers.data());
@@ -55,11 +66,14 @@ class LiveReceiver {
 
     /// Sends lines and then one that is so long that the program logs it, and waits until it has.
     void sendAndWait(const std::string &lines) {
-        const std::string all = lines + "$GPTXT," + std::string(90, 'x') + "\r\n";
-        ASSERT_EQ(::write(master_, all.data(), all.size()), static_cast<ssize_t>(all.size()));
+        send(lines + "$GPTXT," + std::string(90, 'x') + "\r\n");
         while (text_.find("exceeds") == std::string::npos) {
             ASSERT_TRUE(readErrors());
         }
+    }
+    /// Sends lines.
+    void send(const std::string &lines) const {
+        ASSERT_EQ(::write(master_, lines.data(), lines.size()), static_cast<ssize_t>(lines.size()));
     }
     void signal(int number) const { EXPECT_EQ(::kill(child_, number), 0); }
     void hangUp() {

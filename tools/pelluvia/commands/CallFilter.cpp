@@ -15,6 +15,12 @@ bool CallFilter::isChosen(int kind) const noexcept {
     }
 }
 
+void CallFilter::endOpenTransfer() {
+    if (openTransfer_) {
+        endTransfer(*openTransfer_);
+    }
+}
+
 void CallFilter::newTrackSegment() {
     if (!dropsTransfer_) {
         next_->newTrackSegment();
@@ -65,6 +71,7 @@ void CallFilter::lapInfoStart(GPSPoint start, GPSPoint end, const Dictionary *ex
 
 void CallFilter::startTransfer(const void *sender, int kind, const Dictionary *extra) {
     dropsTransfer_ = !isChosen(kind);
+    openTransfer_ = kind;
     if (!dropsTransfer_) {
         next_->startTransfer(sender, kind, extra);
     }
@@ -75,6 +82,7 @@ void CallFilter::endTransfer(int kind) {
         next_->endTransfer(kind);
     }
     dropsTransfer_ = false;
+    openTransfer_.reset();
 }
 
 void CallFilter::currentPosition(GPSPoint point, int accuracy) {

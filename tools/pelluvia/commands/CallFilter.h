@@ -5,6 +5,7 @@
 #include <Pelluvia/model/GPSOutputReceiver.h>
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace pelluvia::host {
@@ -22,6 +23,10 @@ class CallFilter : public GPSOutputReceiver {
     /// to get more from other sources and is told by the host.
     CallFilter(std::shared_ptr<GPSOutputReceiver> next, Selection only, bool holdsFinish)
         : next_(std::move(next)), only_(only), holdsFinish_(holdsFinish) {}
+
+    /// Ends the transfer that is open, if one is: of a log that broke off, so that what follows
+    /// from elsewhere does not become a part of it.
+    void endOpenTransfer();
 
     void newTrackSegment() override;
     void newTrack(const Dictionary *extra) override;
@@ -48,6 +53,7 @@ class CallFilter : public GPSOutputReceiver {
     Selection only_;
     bool holdsFinish_;
     bool dropsTransfer_ = false;
+    std::optional<int> openTransfer_; ///< its kind
     bool dropsSending_ = false;
 };
 

@@ -1,22 +1,20 @@
 #include <tools/pelluvia/commands/Convert.h>
 
-#include <Pelluvia/formats/calllog/CallLogReader.h>
-#include <Pelluvia/formats/nmea/NMEADriver.h>
 #include <tools/pelluvia/commandline/ExitStatus.h>
-#include <tools/pelluvia/commands/CallFilter.h>
+#include <tools/pelluvia/commands/ConversionProgress.h>
 #include <tools/pelluvia/commands/Output.h>
 #include <tools/pelluvia/commands/Recording.h>
-#include <tools/pelluvia/files/InputFault.h>
+#include <tools/pelluvia/commands/SourceReader.h>
 #include <tools/pelluvia/files/SourceFile.h>
 #include <tools/pelluvia/files/TargetFile.h>
 #include <tools/pelluvia/terminal/InterruptWatch.h>
 #include <tools/pelluvia/terminal/Messages.h>
 #include <tools/pelluvia/terminal/ProgressBar.h>
 
-#include <Pelluvia/gpximport/GPXFileImporter.h>
 #include <Pelluvia/gpxwriter/GPXExporter.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -43,10 +41,12 @@ class Conversion {
         if (!options_.creator.empty()) {
             GPXExporter::setCreator(options_.creator);
         }
-        output_ = Output::open(options_.targetFormat, target_->writePath(), collector_, bar_);
+        output_ = Output::open(options_.targetFormat, target_->writePath(), collector_, progress_);
         if (output_.receiver == nullptr) {
             return cannotWrite(options_.target, output_.openFailure);
         }
+        waitsForOthers_ = !isRegularFile(target_->writePath());
+        watchInterrupts();
         return finish(readSources());
     }
 
@@ -77,136 +77,56 @@ class Conversion {
         return result;
     }
 
-    /// Up to the first fault, or until nothing more can be written or is wanted.
+    /// Until nothing more can be written or is wanted. A bad source does not stop the others.
     int readSources() {
+        SourceReader reader(options_, {.receiver = receiver(),
+                                       .collector = collector_,
+                                       .bar = bar_,
+                                       .hasFailed = output_.hasFailed,
+                                       .stop = progress_->stopToken(),
+                                       .interrupts = interrupts_ ? interrupts_->descriptor() : -1});
+        int status = exitStatus::done;
         for (const Source &source : options_.sources) {
-            if (output_.hasFailed() || isInterrupted_) {
+            if (output_.hasFailed() || InterruptWatch::isInterrupted()) {
                 break;
             }
-            const auto fault = read(source);
+            InterruptWatch::setMayGiveUp(waitsForOthers_ || mayWait(source));
+            const auto fault = reader.read(source);
             if (bar_ != nullptr) {
                 bar_->clear();
             }
             if (fault) {
                 say(fault->text(sourceName(source.path)));
-                return fault->status;
+                ++badSources_;
+                status = std::max(status, fault->status);
+            }
+            if (status == exitStatus::cannotWrite) {
+                break; // the next would not be kept either
             }
         }
-        return exitStatus::done;
+        InterruptWatch::setMayGiveUp(waitsForOthers_);
+        return status;
     }
 
-    std::optional<InputFault> read(const Source &source) {
-        switch (source.format) {
-        case Format::Calls:
-            return readCallLog(source.path);
-        case Format::NMEA:
-            return readNMEA(source.path);
-        case Format::GPX:
-            break;
+    /// A receiver sends until somebody has enough of it; what came until then is a whole result,
+    /// and nothing may cost it any more.
+    void watchInterrupts() {
+        const auto &sources = options_.sources;
+        if (std::any_of(sources.begin(), sources.end(),
+                        [](const Source &each) { return each.format == Format::NMEA; })) {
+            interrupts_.emplace();
         }
-        return importGPX(source.path);
     }
 
-    std::optional<InputFault> importGPX(const std::string &path) {
-        RereadableSource source(path);
-        if (const auto failure = source.prepare()) {
-            return faultOf(failure);
-        }
-        const auto importer = GPXFileImporter::initWithReceiver(receiver());
-        importer->setDoTracks(options_.only.tracks);
-        importer->setDoRoutes(options_.only.routes);
-        importer->setDoWaypoints(options_.only.waypoints);
-        const ErrorPtr error = importer->processFile(source.path());
-        const auto reports = collector_->collected();
-        if (error == nullptr) {
-            return std::nullopt;
-        }
-        return InputFault::from(*error, reports.texts.empty() ? "" : reports.texts.back());
+    /// Whether reading the source may wait for another process, and does not see an interrupt
+    /// meanwhile.
+    static bool mayWait(const Source &source) {
+        return source.format != Format::NMEA && !isRegularFile(source.path);
     }
 
-    static InputFault faultOf(const RereadableSource::Failure &failure) {
-        if (failure.reading) {
-            return {.message = failure.reading.message()};
-        }
-        return {.message = "cannot be kept in " + failure.folder +
-                           " (see TMPDIR): " + failure.writing.message(),
-                .status = exitStatus::cannotWrite};
-    }
-
-    std::optional<InputFault> readCallLog(const std::string &path) {
+    static bool isRegularFile(const std::string &path) {
         std::error_code error;
-        const Descriptor source = openSource(path, error);
-        if (error) {
-            return InputFault{.message = error.message()};
-        }
-        const auto receiver = filtered();
-        CallLogReader reader(*receiver);
-        const ErrorPtr fault = reader.processDescriptor(source.number());
-        sayWhatWasReported(path);
-        if (fault == nullptr) {
-            return std::nullopt;
-        }
-        return InputFault{.line = fault->integer(callLogErrorLine),
-                          .column = fault->integer(callLogErrorColumn),
-                          .message = fault->localizedDescription()};
-    }
-
-    std::optional<InputFault> readNMEA(const std::string &path) {
-        // A receiver sends until somebody has enough of it; what came until then is a whole result.
-        const InterruptWatch interrupts;
-        const auto receiver = filtered();
-        NMEADriver driver(*receiver);
-        driver.setBaudRate(options_.nmea.baud);
-        driver.setLongestGap(options_.nmea.longestGap);
-        driver.setDay(options_.nmea.day);
-        driver.setEndDescriptor(interrupts.descriptor());
-        std::stop_source stop;
-        driver.setStopToken(stop.get_token());
-        driver.setSourcePaused([&] {
-            if (output_.hasFailed()) {
-                stop.request_stop(); // a receiver would send for ever
-            }
-        });
-        if (bar_ != nullptr) {
-            driver.setStatusLine([this](std::string_view text) {
-                bar_->setMuted(true);
-                writeToTerminal(text);
-            });
-        }
-        const ErrorPtr error =
-            path == "-" ? driver.processDescriptor(STDIN_FILENO) : driver.processFile(path);
-        if (bar_ != nullptr) {
-            bar_->setMuted(false);
-        }
-        isInterrupted_ = driver.ending() == NMEAEnding::Interrupted;
-        // The receiver was told, too, of what is returned.
-        [[maybe_unused]] const auto reports = collector_->collected();
-        if (driver.ending() != NMEAEnding::NotOpened) {
-            say(sourceName(path) + ": " + textOf(driver.tally()));
-        }
-        return error != nullptr && driver.ending() != NMEAEnding::Stopped
-                   ? std::optional(InputFault{.message = error->localizedDescription()})
-                   : std::nullopt;
-    }
-
-    /// A log may end the exchange by itself. A GPX document gets its end from us, since other
-    /// sources may follow.
-    [[nodiscard]] std::shared_ptr<GPSOutputReceiver> filtered() const {
-        const bool holdsFinish = options_.targetFormat == Format::GPX;
-        if (!holdsFinish && options_.only.isEverything()) {
-            return receiver();
-        }
-        return std::make_shared<CallFilter>(receiver(), options_.only, holdsFinish);
-    }
-
-    void sayWhatWasReported(const std::string &path) {
-        const auto reports = collector_->collected();
-        for (const std::string &text : reports.texts) {
-            say(sourceName(path) + ": reported by the producer: " + text);
-        }
-        if (reports.more != 0) {
-            say(sourceName(path) + ": and " + std::to_string(reports.more) + " other reports");
-        }
+        return std::filesystem::is_regular_file(path == "-" ? "/dev/stdin" : path, error);
     }
 
     /// `status` is how reading ended.
@@ -256,10 +176,14 @@ class Conversion {
         return paths;
     }
 
-    static void sayWhatIsPartial(const std::string &path, const TargetFile &file) {
+    void sayWhatIsPartial(const std::string &path, const TargetFile &file) const {
         const std::string &kept = file.keptName();
-        complain((kept.empty() ? targetName(path) : kept) +
-                 " is partial: it holds what was read before the fault");
+        const std::size_t sources = options_.sources.size();
+        const std::string which = sources == 1 ? ""
+                                               : "of " + std::to_string(badSources_) + " of " +
+                                                     std::to_string(sources) + " sources ";
+        complain((kept.empty() ? targetName(path) : kept) + " is partial: " + which +
+                 "it holds what was read before the fault");
         if (file.isKeptBeside()) {
             complain(path + " is as it was");
         }
@@ -275,23 +199,23 @@ class Conversion {
         if (options_.quiet || ::isatty(STDERR_FILENO) == 0) {
             return nullptr;
         }
-        return std::make_shared<ProgressBar>(writeToTerminal, std::chrono::steady_clock::now);
-    }
-
-    static void writeToTerminal(std::string_view text) {
-        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+        return std::make_shared<ProgressBar>(show, std::chrono::steady_clock::now);
     }
 
     const ConvertOptions &options_;
     std::shared_ptr<ReportCollector> collector_ = std::make_shared<ReportCollector>();
     std::shared_ptr<ProgressBar> bar_ = makeBar();
+    std::shared_ptr<ConversionProgress> progress_ = std::make_shared<ConversionProgress>(
+        bar_, [this] { return output_.hasFailed() || InterruptWatch::isInterrupted(); });
     std::unique_ptr<TargetFile> target_;
     std::unique_ptr<TargetFile> telemetry_; ///< null when nobody asked for it
     Output output_;
     /// Null when nobody asked for it: then all goes straight to the target.
     std::shared_ptr<RecordingGPSOutput> recorder_ =
-        makeRecorder(options_.recording, collector_, bar_);
-    bool isInterrupted_ = false; ///< the user has enough
+        makeRecorder(options_.recording, collector_, progress_);
+    std::optional<InterruptWatch> interrupts_; ///< where a source may be a receiver's
+    bool waitsForOthers_ = false;              ///< the target is a pipe, or something like one
+    int badSources_ = 0;
 };
 
 } // namespace

@@ -1,9 +1,13 @@
 #include <tools/pelluvia/terminal/Messages.h>
 
+#include <tools/pelluvia/terminal/InterruptWatch.h>
+
 #include <Pelluvia/text/UTF8.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <poll.h>
 #include <unistd.h>
 
 namespace pelluvia::host {
@@ -45,6 +49,18 @@ std::string escaped(std::string_view bytes) {
     return result;
 }
 
+/// Whether standard error takes a line now, or after at most so many milliseconds; not when a
+/// signal comes before. (It takes one also where writing will fail.)
+bool takesBytes(int milliseconds) {
+    pollfd standardError = {STDERR_FILENO, POLLOUT, 0};
+    const int ready = ::poll(&standardError, 1, milliseconds);
+    return ready > 0 || (ready < 0 && errno != EINTR);
+}
+
+void writeToStandardError(std::string_view bytes) {
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, bytes.data(), bytes.size());
+}
+
 } // namespace
 
 std::string harmless(std::string_view text) {
@@ -64,9 +80,22 @@ std::string harmless(std::string_view text) {
 }
 
 void say(std::string_view text) {
+    // Who does not read is waited for, but not by a program that has been told to end.
+    constexpr int forever = -1;
+    constexpr int shortly = 100; // milliseconds
+    while (!takesBytes(InterruptWatch::isInterrupted() ? shortly : forever)) {
+        if (InterruptWatch::isInterrupted()) {
+            return;
+        }
+    }
     // One call, so that lines of several processes do not mix. Nothing helps when it fails.
-    const std::string line = harmless(text) + '\n';
-    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
+    writeToStandardError(harmless(text) + '\n');
+}
+
+void show(std::string_view bytes) {
+    if (takesBytes(0)) {
+        writeToStandardError(bytes);
+    }
 }
 
 void complain(std::string_view text) {

@@ -19,6 +19,10 @@ void say(std::string_view text);
 /// The same with the program's name before it.
 void complain(std::string_view text);
 
+/// Writes bytes that are soon replaced by others, as those of a progress bar: where nobody takes
+/// them at once, they are left out. So a terminal that stands still holds nothing up.
+void show(std::string_view bytes);
+
 /// How a source or a target is called in messages.
 [[nodiscard]] std::string sourceName(const std::string &path);
 [[nodiscard]] std::string targetName(const std::string &path);

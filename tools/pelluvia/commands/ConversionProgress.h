@@ -1,0 +1,41 @@
+#pragma once
+
+#include <Pelluvia/model/GPXExporterProgress.h>
+
+#include <functional>
+#include <memory>
+#include <stop_token>
+#include <utility>
+
+namespace pelluvia::host {
+
+/// The progress object of a conversion. It passes on what it is told to a progress bar, if there is
+/// one, notes that there is headway, and asks now and then whether the producers are to be stopped,
+/// since nobody has use for more.
+///
+/// Threads: as for any progress object.
+class ConversionProgress : public GPXExporterProgress {
+  public:
+    /// `bar` may be null. `mustStop` is asked until it says yes.
+    ConversionProgress(std::shared_ptr<GPXExporterProgress> bar, std::function<bool()> mustStop)
+        : bar_(std::move(bar)), mustStop_(std::move(mustStop)) {}
+
+    /// For the producers.
+    [[nodiscard]] std::stop_token stopToken() const noexcept { return stop_.get_token(); }
+
+    void gpxStartTransfer(int kind, int count) override;
+    void gpxProgress(int kind, int index) override;
+    void gpxEndTransfer(int kind) override;
+
+    /// Only every so many items the question is asked.
+    static constexpr int stride = 256;
+
+  private:
+    void stopIfDue();
+
+    std::shared_ptr<GPXExporterProgress> bar_;
+    std::function<bool()> mustStop_;
+    std::stop_source stop_;
+};
+
+} // namespace pelluvia::host

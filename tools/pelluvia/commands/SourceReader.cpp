@@ -1,0 +1,131 @@
+#include <tools/pelluvia/commands/SourceReader.h>
+
+#include <tools/pelluvia/commands/CallFilter.h>
+#include <tools/pelluvia/commands/FormatHint.h>
+#include <tools/pelluvia/files/SourceFile.h>
+#include <tools/pelluvia/terminal/Messages.h>
+
+#include <Pelluvia/formats/calllog/CallLogReader.h>
+#include <Pelluvia/formats/nmea/Driver.h>
+#include <Pelluvia/formats/nmea/live/LiveView.h>
+#include <Pelluvia/gpximport/GPXFileImporter.h>
+#include <Pelluvia/values/CocoaErrors.h>
+
+namespace pelluvia::host {
+
+namespace {
+
+InputFault faultOf(const RereadableSource::Failure &failure) {
+    if (failure.reading) {
+        return {.message = failure.reading.message()};
+    }
+    return {.message = "cannot be kept in " + failure.folder +
+                       " (see TMPDIR): " + failure.writing.message(),
+            .status = exitStatus::cannotWrite};
+}
+
+bool isStop(const Error &error) {
+    return error.domain() == NSCocoaErrorDomain && error.code() == NSUserCancelledError;
+}
+
+} // namespace
+
+std::optional<InputFault> SourceReader::read(const Source &source) {
+    switch (source.format) {
+    case Format::Calls:
+        return readCallLog(source.path);
+    case Format::NMEA:
+        return readNMEA(source.path);
+    case Format::GPX:
+        break;
+    }
+    return importGPX(source.path);
+}
+
+std::optional<InputFault> SourceReader::importGPX(const std::string &path) {
+    RereadableSource source(path);
+    if (const auto failure = source.prepare()) {
+        return faultOf(failure);
+    }
+    const auto importer = GPXFileImporter::initWithReceiver(with_.receiver);
+    importer->setDoTracks(options_.only.tracks);
+    importer->setDoRoutes(options_.only.routes);
+    importer->setDoWaypoints(options_.only.waypoints);
+    const ErrorPtr error = importer->processFile(source.path());
+    const auto reports = with_.collector->collected();
+    if (error == nullptr) {
+        return std::nullopt;
+    }
+    if (isStop(*error)) {
+        return faultOfStop();
+    }
+    if (const std::string hint = formatHint(source.path()); !hint.empty()) {
+        return InputFault{.message = hint};
+    }
+    return InputFault::from(*error, reports.texts.empty() ? "" : reports.texts.back());
+}
+
+std::optional<InputFault> SourceReader::readCallLog(const std::string &path) {
+    std::error_code error;
+    const Descriptor source = openSource(path, error);
+    if (error) {
+        return InputFault{.message = error.message()};
+    }
+    const auto receiver = filtered();
+    CallLogReader reader(*receiver);
+    reader.setStop(with_.hasFailed);
+    const auto fault = reader.read(source.number());
+    sayWhatWasReported(path);
+    if (!fault) {
+        return std::nullopt;
+    }
+    receiver->endOpenTransfer();
+    return InputFault{.line = fault->line, .column = fault->column, .message = fault->message};
+}
+
+std::optional<InputFault> SourceReader::readNMEA(const std::string &path) {
+    const auto &bar = with_.bar;
+    nmea::LiveView view([&bar](std::string_view bytes) {
+        bar->setMuted(true);
+        show(bytes);
+    });
+    const nmea::Outcome outcome = nmea::readNMEA(path, options_.nmea, *filtered(),
+                                                 {.wakeUp = with_.interrupts,
+                                                  .stop = with_.hasFailed,
+                                                  .view = bar != nullptr ? &view : nullptr});
+    view.clear();
+    if (bar != nullptr) {
+        bar->setMuted(false);
+    }
+    // The receiver was told, too, of what is returned.
+    [[maybe_unused]] const auto reports = with_.collector->collected();
+    if (outcome.ending != nmea::Ending::NotOpened) {
+        say(sourceName(path) + ": " + textOf(outcome.tally));
+    }
+    return outcome.error ? std::optional(InputFault{.message = outcome.problem}) : std::nullopt;
+}
+
+/// A log may end the exchange by itself. A GPX document gets its end from us, since other sources
+/// may follow.
+std::shared_ptr<CallFilter> SourceReader::filtered() const {
+    return std::make_shared<CallFilter>(with_.receiver, options_.only,
+                                        options_.targetFormat == Format::GPX);
+}
+
+/// What is missing of a source that was stopped. Of one that could not be written it is not said:
+/// that is the target's fault.
+std::optional<InputFault> SourceReader::faultOfStop() const {
+    return with_.hasFailed() ? std::nullopt : std::optional(InputFault{.message = "interrupted"});
+}
+
+void SourceReader::sayWhatWasReported(const std::string &path) {
+    const auto reports = with_.collector->collected();
+    for (const std::string &text : reports.texts) {
+        say(sourceName(path) + ": reported by the producer: " + text);
+    }
+    if (reports.more != 0) {
+        say(sourceName(path) + ": and " + std::to_string(reports.more) + " other reports");
+    }
+}
+
+} // namespace pelluvia::host
