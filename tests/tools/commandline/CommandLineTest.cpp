@@ -193,7 +193,9 @@ TEST(CommandLine, PathsInBracketsAreNoLists) {
 
     const Command info = parsed({"info", "[a,b]", "[c]"});
     ASSERT_TRUE(std::holds_alternative<InfoOptions>(info));
-    EXPECT_THAT(std::get<InfoOptions>(info).files, ::testing::ElementsAre("[a,b]", "[c]"));
+    EXPECT_THAT(std::get<InfoOptions>(info).sources,
+                ::testing::ElementsAre(::testing::Field(&Source::path, "[a,b]"),
+                                       ::testing::Field(&Source::path, "[c]")));
 
     const Command authorize = parsed({"authorize", "[a,b]"});
     ASSERT_TRUE(std::holds_alternative<StorageOptions>(authorize));

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 
 namespace pelluvia {
 namespace {
@@ -125,6 +126,61 @@ TEST(Info, ABadFileIsPartialAndTheOthersAreHandled) {
     const Outcome table =
         testing::pelluvia({.arguments = {"info", "bad.gpx"}, .folder = folder.path().string()});
     EXPECT_THAT(table.output, StartsWith("bad.gpx (partial)\n"));
+}
+
+TEST(Info, ShowsWhatLogsOfReceiversAndOfCallsHold) {
+    const TemporaryFolder folder;
+    const std::string calls = folder.file("ride.jsonl");
+    ASSERT_EQ(testing::pelluvia({"convert", ride(), calls}).status, 0);
+    const Outcome log = testing::pelluvia({"info", calls});
+    EXPECT_EQ(log.status, 0);
+    EXPECT_THAT(log.errors, IsEmpty());
+    EXPECT_THAT(log.output, HasSubstr("\n  waypoints   1\n"
+                                      "  routes      1 with 2 points\n"
+                                      "  tracks      1 with 2 segments and 3 points\n"
+                                      "  latitude    47.1 to 47.5\n"
+                                      "  longitude   8.25 to 8.5\n"
+                                      "  time        2020-06-01T07:00:00Z to 2020-06-01T08:26:45Z\n"
+                                      "  has         names, comments\n"));
+
+    const std::string sentences = "$GPRMC,120000,A,4807.038,N,01131.000,E,10.0,,150824,,,A\r\n";
+    const std::string nmea = folder.write("ride.nmea", sentences);
+    const Outcome receiver = testing::pelluvia({"info", "--json", nmea});
+    EXPECT_EQ(receiver.status, 0);
+    EXPECT_THAT(receiver.output, HasSubstr(R"("trackpoints":1,"bounds":{"minlat":48.1173,)"));
+    EXPECT_THAT(receiver.errors, HasSubstr("1 sentence, 1 point;"));
+    const Outcome piped =
+        testing::pelluvia({.arguments = {"info", "--from", "nmea", "-"}, .input = sentences});
+    EXPECT_THAT(piped.output, HasSubstr("1 with 1 segment and 1 point\n"));
+}
+
+TEST(Info, AFaultInALogIsToldWithWhatWasCountedBefore) {
+    const TemporaryFolder folder;
+    folder.write("bad.jsonl", "{\"call\":\"newTrack:\",\"extra\":null}\n{\"call\":\"fly:\"}\n");
+    const Outcome outcome =
+        testing::pelluvia({.arguments = {"info", "bad.jsonl"}, .folder = folder.path().string()});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.output, StartsWith("bad.jsonl (partial)\n  waypoints   0\n"));
+    EXPECT_THAT(outcome.errors, StartsWith("bad.jsonl:2: unknown call \"fly:\"\n"));
+}
+
+TEST(Info, AFileOfAnotherFormatIsNotCalledGPX) {
+    const TemporaryFolder folder;
+    folder.write("log.txt", "$GPRMC,120000,A,4807.038,N,01131.000,E,10.0,,150824,,,A\r\n");
+    folder.write("calls.gpx", "{\"call\":\"newTrackSegment\"}\n");
+    for (const auto &[file, message] :
+         {std::pair("log.txt", "log.txt: an NMEA log and not GPX; --from nmea reads it\n"),
+          std::pair("calls.gpx", "calls.gpx: a call log and not GPX; --from calls reads it\n")}) {
+        const Outcome shown =
+            testing::pelluvia({.arguments = {"info", file}, .folder = folder.path().string()});
+        EXPECT_EQ(shown.status, 1);
+        EXPECT_THAT(shown.output, IsEmpty());
+        EXPECT_EQ(shown.errors, message);
+        const Outcome converted = testing::pelluvia(
+            {.arguments = {"convert", "--from", "gpx", file, "-"}, .folder = folder.path()});
+        EXPECT_EQ(converted.status, 1);
+        EXPECT_THAT(converted.errors, StartsWith(message));
+    }
 }
 
 TEST(Info, FailingToWriteIsNotPassedOver) {

@@ -143,7 +143,11 @@ ConvertOptions convertOptions(const Arguments &arguments) {
 
 InfoOptions infoOptions(const Arguments &arguments) {
     refuseSecondStandardInput(arguments.files);
-    return {.files = arguments.files, .json = arguments.json, .verbose = arguments.verbose};
+    InfoOptions options{.sources = {}, .json = arguments.json, .verbose = arguments.verbose};
+    for (const std::string &path : arguments.files) {
+        options.sources.push_back({path, shownFormat(path, arguments.from)});
+    }
+    return options;
 }
 
 /// Adds an option that takes no value. CLI11 would read one behind a "=", and take a flag of 0 or
@@ -209,15 +213,19 @@ void takePathsAsTheyAre(CLI::Option &paths) {
         ->allow_extra_args(false);
 }
 
+void addFrom(CLI::App &command, Arguments &arguments, const char *description) {
+    command.add_option("--from", arguments.from, description)
+        ->option_text("gpx|calls|nmea")
+        ->check(CLI::IsMember({"gpx", "calls", "nmea"}));
+}
+
 CLI::App *addConvert(CLI::App &app, Arguments &arguments, const Words &words) {
     CLI::App *command = app.add_subcommand("convert", "Convert GPX files, NMEA logs and call logs");
     if (!isAmong(words, "convert")) {
         return command;
     }
     command->footer(std::string(convertFooter));
-    command->add_option("--from", arguments.from, "Format of the sources, whatever their names")
-        ->option_text("gpx|calls|nmea")
-        ->check(CLI::IsMember({"gpx", "calls", "nmea"}));
+    addFrom(*command, arguments, "Format of the sources, whatever their names");
     command->add_option("--to", arguments.to, "Format of the target, whatever its name")
         ->option_text("gpx|calls|nmea")
         ->check(CLI::IsMember({"gpx", "calls", "nmea"}));
@@ -245,17 +253,17 @@ CLI::App *addConvert(CLI::App &app, Arguments &arguments, const Words &words) {
 }
 
 CLI::App *addInfo(CLI::App &app, Arguments &arguments, const Words &words) {
-    CLI::App *command = app.add_subcommand("info", "Show what GPX files hold");
+    CLI::App *command = app.add_subcommand("info", "Show what files hold");
     if (!isAmong(words, "info")) {
         return command;
     }
     command->footer(std::string(infoFooter));
+    addFrom(*command, arguments, "Format of the files, whatever their names");
     addFlag(*command, "--json", arguments.json, "One JSON object a file, each on a line");
     addFlag(*command, "-v,--verbose", arguments.verbose,
             "Log to standard error, not to the system log");
-    CLI::Option *files =
-        command->add_option("FILE", arguments.files, "GPX files; - is standard input")
-            ->option_text("...");
+    CLI::Option *files = command->add_option("FILE", arguments.files, "Files; - is standard input")
+                             ->option_text("...");
     takePathsAsTheyAre(*files);
     return command;
 }

@@ -82,7 +82,9 @@ Examples:
 inline constexpr std::string_view infoFooter =
     R"(Prints for each file how many waypoints, routes and tracks it holds, their
 bounds and the first and last time of their points. Positions off the globe do
-not count for the bounds.
+not count for the bounds. Formats are told by the ending, as by convert, or by
+--from; without either a file is GPX. Of NMEA logs and call logs that is what a
+conversion would make of them.
 
 Exit status:
   0  done
@@ -93,6 +95,7 @@ Exit status:
 
 Examples:
   pelluvia info *.gpx
+  pelluvia info --from nmea logger.txt
   pelluvia info --json ride.gpx | jq .tracks)";
 
 inline constexpr std::string_view authorizeFooter =

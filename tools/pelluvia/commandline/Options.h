@@ -65,7 +65,7 @@ struct ConvertOptions {
 };
 
 struct InfoOptions {
-    std::vector<std::string> files; ///< "-" is standard input
+    std::vector<Source> sources;
     bool json = false;
     bool verbose = false;
 };

@@ -3,7 +3,7 @@
 #include <Pelluvia/text/Scanner.h>
 
 #include <algorithm>
-#include <cmath>
+#include <optional>
 
 namespace pelluvia::host {
 
@@ -12,18 +12,16 @@ namespace {
 /// Longer than any date and time.
 constexpr std::size_t longestTime = 100;
 
-/// The number that an attribute holds, if its size is at most `limit`.
-std::optional<double> coordinate(const XMLAttributes &attributes, std::uint16_t name,
-                                 double limit) {
+/// The number that an attribute holds.
+std::optional<double> coordinate(const XMLAttributes &attributes, std::uint16_t name) {
     const auto text = attributes.value(name);
-    const auto number = text ? Scanner(*text).scanDouble() : std::nullopt;
-    return number && std::abs(*number) <= limit ? number : std::nullopt;
+    return text ? Scanner(*text).scanDouble() : std::nullopt;
 }
 
 } // namespace
 
 FileSurvey::FileSurvey()
-    : counter_(GPXImportCounter::init()),
+    : counter_(survey_.counter.get()),
       names_(counter_->vocabulary().names.begin(), counter_->vocabulary().names.end()),
       wpt_(number("wpt")),
       rtept_(number("rtept")),
@@ -78,7 +76,7 @@ void FileSurvey::didStartElement(XMLParser &parser, const XMLElement &element,
         timeText_.clear();
     }
     if (isPoint(element)) {
-        trackPoints_ += element.nameNumber == trkpt_ ? 1 : 0;
+        survey_.trackPoints += element.nameNumber == trkpt_ ? 1 : 0;
         addPosition(attributes);
     }
 }
@@ -96,31 +94,19 @@ void FileSurvey::foundCharacters(XMLParser & /*parser*/, std::string_view charac
 }
 
 void FileSurvey::addPosition(const XMLAttributes &attributes) {
-    const auto latitude = coordinate(attributes, lat_, 90.0);
-    const auto longitude = coordinate(attributes, lon_, 180.0);
-    if (!latitude || !longitude) {
-        return;
+    const auto latitude = coordinate(attributes, lat_);
+    const auto longitude = coordinate(attributes, lon_);
+    if (latitude && longitude) {
+        survey_.addPosition(*latitude, *longitude);
     }
-    if (!bounds_) {
-        bounds_ = Bounds{*latitude, *longitude, *latitude, *longitude};
-    }
-    bounds_->minLatitude = std::min(bounds_->minLatitude, *latitude);
-    bounds_->minLongitude = std::min(bounds_->minLongitude, *longitude);
-    bounds_->maxLatitude = std::max(bounds_->maxLatitude, *latitude);
-    bounds_->maxLongitude = std::max(bounds_->maxLongitude, *longitude);
 }
 
 void FileSurvey::addTime() {
     Scanner scanner(timeText_);
     const auto time = scanISO8601DateAsSeconds(scanner, day_);
-    if (!time || *time == 0) {
-        return;
+    if (time) {
+        survey_.addTime(*time);
     }
-    if (!times_) {
-        times_ = TimeSpan{*time, *time};
-    }
-    times_->first = std::min(times_->first, *time);
-    times_->last = std::max(times_->last, *time);
 }
 
 } // namespace pelluvia::host

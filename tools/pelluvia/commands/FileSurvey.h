@@ -1,33 +1,18 @@
 #pragma once
 
-#include <Pelluvia/gpximport/GPXImportCounter.h>
+#include <tools/pelluvia/commands/Survey.h>
+
 #include <Pelluvia/text/Companion.h>
 #include <Pelluvia/xml/XMLParserDelegate.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace pelluvia::host {
-
-/// Degrees; north and east positive.
-struct Bounds {
-    double minLatitude;
-    double minLongitude;
-    double maxLatitude;
-    double maxLongitude;
-};
-
-/// Seconds since 1970-01-01 00:00:00 UTC.
-struct TimeSpan {
-    std::int64_t first;
-    std::int64_t last;
-};
 
 /// What a GPX file holds, collected in one parse: what a `GPXImportCounter` counts, and of all
 /// points (`wpt`, `rtept`, `trkpt`, in whatever namespace) the bounds and the first and last time.
@@ -40,10 +25,7 @@ class FileSurvey : public XMLParserDelegate {
   public:
     FileSurvey();
 
-    [[nodiscard]] const GPXImportCounter &counter() const noexcept { return *counter_; }
-    [[nodiscard]] std::int64_t trackPoints() const noexcept { return trackPoints_; }
-    [[nodiscard]] const std::optional<Bounds> &bounds() const noexcept { return bounds_; }
-    [[nodiscard]] const std::optional<TimeSpan> &times() const noexcept { return times_; }
+    [[nodiscard]] const Survey &survey() const noexcept { return survey_; }
 
     // The parser's side.
     [[nodiscard]] XMLVocabulary vocabulary() const override;
@@ -60,7 +42,8 @@ class FileSurvey : public XMLParserDelegate {
     void addPosition(const XMLAttributes &attributes);
     void addTime();
 
-    std::shared_ptr<GPXImportCounter> counter_;
+    Survey survey_;
+    GPXImportCounter *counter_;           ///< that of the survey
     std::vector<std::string_view> names_; ///< those of the counter, then those it does not have
     std::vector<bool> isCounted_; ///< by the number of a name: the counter wants to know of it
     std::uint16_t wpt_;
@@ -73,10 +56,6 @@ class FileSurvey : public XMLParserDelegate {
     std::size_t timeDepth_ = 0; ///< of open elements, from the time of a point on
     std::string timeText_;
     ISO8601Day day_; ///< of the last time
-
-    std::int64_t trackPoints_ = 0;
-    std::optional<Bounds> bounds_;
-    std::optional<TimeSpan> times_;
 };
 
 } // namespace pelluvia::host

@@ -75,10 +75,10 @@ std::string utcText(std::int64_t seconds) {
            ':' + digits(time.second, 2) + 'Z';
 }
 
-std::string tableText(const std::string &file, const FileSurvey &survey, bool isPartial) {
-    const GPXImportCounter &counter = survey.counter();
-    const auto &bounds = survey.bounds();
-    const auto &times = survey.times();
+std::string tableText(const std::string &file, const Survey &survey, bool isPartial) {
+    const GPXImportCounter &counter = *survey.counter;
+    const auto &bounds = survey.bounds;
+    const auto &times = survey.times;
     const std::string features = featureList(counter);
     return harmless(file) + (isPartial ? " (partial)" : "") + "\n" +
            row("waypoints", std::to_string(counter.waypoints())) +
@@ -86,7 +86,7 @@ std::string tableText(const std::string &file, const FileSurvey &survey, bool is
                              counted(counter.routepoints(), "point", "points")) +
            row("tracks", std::to_string(counter.tracks()) + " with " +
                              counted(counter.tracksegments(), "segment", "segments") + " and " +
-                             counted(survey.trackPoints(), "point", "points")) +
+                             counted(survey.trackPoints, "point", "points")) +
            row("latitude",
                bounds ? degrees(bounds->minLatitude) + " to " + degrees(bounds->maxLatitude)
                       : "none") +
@@ -97,9 +97,9 @@ std::string tableText(const std::string &file, const FileSurvey &survey, bool is
            row("has", features.empty() ? "no texts" : features) + "\n";
 }
 
-std::string jsonText(const std::string &file, const FileSurvey &survey, bool isPartial) {
-    const GPXImportCounter &counter = survey.counter();
-    const auto &times = survey.times();
+std::string jsonText(const std::string &file, const Survey &survey, bool isPartial) {
+    const GPXImportCounter &counter = *survey.counter;
+    const auto &times = survey.times;
     const ordered_json object = {
         {"file", file},
         {"hasName", counter.hasName()},
@@ -113,8 +113,8 @@ std::string jsonText(const std::string &file, const FileSurvey &survey, bool isP
         {"tracksegments", counter.tracksegments()},
         {"routes", counter.routes()},
         {"routepoints", counter.routepoints()},
-        {"trackpoints", survey.trackPoints()},
-        {"bounds", boundsObject(survey.bounds())},
+        {"trackpoints", survey.trackPoints},
+        {"bounds", boundsObject(survey.bounds)},
         {"firstTime", times ? ordered_json(utcText(times->first)) : ordered_json()},
         {"lastTime", times ? ordered_json(utcText(times->last)) : ordered_json()},
         {"partial", isPartial},

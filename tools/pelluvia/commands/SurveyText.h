@@ -1,6 +1,6 @@
 #pragma once
 
-#include <tools/pelluvia/commands/FileSurvey.h>
+#include <tools/pelluvia/commands/Survey.h>
 
 #include <cstdint>
 #include <string>
@@ -11,11 +11,9 @@ namespace pelluvia::host {
 [[nodiscard]] std::string utcText(std::int64_t seconds);
 
 /// A survey for a reader: a few aligned lines, and an empty one at the end.
-[[nodiscard]] std::string tableText(const std::string &file, const FileSurvey &survey,
-                                    bool isPartial);
+[[nodiscard]] std::string tableText(const std::string &file, const Survey &survey, bool isPartial);
 
 /// A survey for a program: one JSON object on one line.
-[[nodiscard]] std::string jsonText(const std::string &file, const FileSurvey &survey,
-                                   bool isPartial);
+[[nodiscard]] std::string jsonText(const std::string &file, const Survey &survey, bool isPartial);
 
 } // namespace pelluvia::host

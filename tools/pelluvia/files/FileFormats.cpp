@@ -72,6 +72,10 @@ Format sourceFormat(const std::string &path, const std::string &chosen) {
     throw unknownEnding(path, "--from");
 }
 
+Format shownFormat(const std::string &path, const std::string &chosen) {
+    return namedFormat(path, chosen).value_or(Format::GPX);
+}
+
 Format targetFormat(const std::string &path, const std::string &chosen) {
     if (const auto format = namedFormat(path, chosen)) {
         return *format;

@@ -15,6 +15,10 @@ namespace pelluvia::host {
 /// taken for GPX: why it cannot says more than its ending, and reading it will tell.
 [[nodiscard]] Format sourceFormat(const std::string &path, const std::string &chosen);
 
+/// The same of a file that is only to be looked at: an ending that stands for no format is no
+/// mistake there but means GPX.
+[[nodiscard]] Format shownFormat(const std::string &path, const std::string &chosen);
+
 /// `chosen` is the value of `--to`, empty when it was not given.
 [[nodiscard]] Format targetFormat(const std::string &path, const std::string &chosen);
 
