@@ -123,7 +123,7 @@ TEST_P(BadFiles, AreNamedWithTheirPlaceAndWhatWasReadIsPartial) {
     EXPECT_TRUE(readFile(folder.file("new.gpx")).ends_with("</gpx>\n"));
     EXPECT_THAT(entries(), ElementsAre("bad.gpx", "good.gpx", "new.gpx"));
 
-    outcome = run({"convert", "bad.gpx", "good.gpx"});
+    outcome = run({"convert", "--force", "bad.gpx", "good.gpx"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.errors,
                 MatchesRegex(message + "pelluvia: good.gpx.partial is partial: it holds what was "
@@ -176,19 +176,46 @@ TEST_F(BadInput, WhatWasSentBeforeTheFaultIsWritten) {
                       HasSubstr("<wpt lat=\"3\" lon=\"4\">"), HasSubstr("</gpx>\n")));
 }
 
-TEST_F(BadInput, APartialResultDoesNotReplaceASource) {
-    for (const char *source : {"good.gpx.partial", "good.gpx.partial.partial"}) {
+TEST_F(BadInput, APartialResultReplacesNothing) {
+    for (const char *source : {"good.gpx.partial", "good.gpx.partial.2"}) {
         folder.write(source, "<gpx>");
     }
-    fs::create_symlink("good.gpx.partial", folder.file("link.gpx"));
     const Outcome outcome =
-        run({"convert", "--from", "gpx", "link.gpx", "good.gpx.partial.partial", "good.gpx"});
+        run({"convert", "--force", "--from", "gpx", "good.gpx.partial", "good.gpx"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.errors,
-                HasSubstr("pelluvia: good.gpx.partial.partial.partial is partial: "));
+    EXPECT_THAT(outcome.errors, HasSubstr("pelluvia: good.gpx.partial.3 is partial: "));
     expectGoodTargetUntouched();
     EXPECT_EQ(readFile(folder.file("good.gpx.partial")), "<gpx>");
-    EXPECT_EQ(readFile(folder.file("good.gpx.partial.partial")), "<gpx>");
+    EXPECT_EQ(readFile(folder.file("good.gpx.partial.2")), "<gpx>");
+}
+
+TEST_F(BadInput, AFileThatIsThereIsReplacedOnlyWhenTheUserSaysSo) {
+    for (const std::vector<std::string> &options :
+         {std::vector<std::string>{}, std::vector<std::string>{"--to", "calls"},
+          std::vector<std::string>{"--record"}}) {
+        std::vector<std::string> arguments = {"convert", ride(), "good.gpx"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.errors, "pelluvia: good.gpx is there already; --force replaces it\n");
+        EXPECT_THAT(entries(), ElementsAre("good.gpx"));
+        expectGoodTargetUntouched();
+    }
+    // What a shell makes of *.gpx.
+    fs::copy(ride(), folder.file("friday.gpx"));
+    EXPECT_EQ(run({"convert", "friday.gpx", "good.gpx"}).status, 2);
+    expectGoodTargetUntouched();
+
+    EXPECT_EQ(run({"convert", "--force", ride(), "good.gpx"}).status, 0);
+    EXPECT_THAT(readFile(folder.file("good.gpx")), StartsWith("<?xml"));
+}
+
+TEST_F(BadInput, ASummaryReplacesAFileOnlyWhenTheUserSaysSo) {
+    const Outcome outcome = run({"convert", "--telemetry", "good.gpx", ride(), "new.gpx"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.errors, "pelluvia: good.gpx is there already; --force replaces it\n");
+    EXPECT_THAT(entries(), ElementsAre("good.gpx"));
+    expectGoodTargetUntouched();
 }
 
 TEST_F(BadInput, WhatComesBehindBadSourcesIsReadAndEveryFaultIsNamed) {
@@ -247,7 +274,7 @@ TEST_F(BadInput, ABadLogIsNamedWithItsLineAndColumn) {
     EXPECT_THAT(readFile(folder.file("new.gpx")), HasSubstr("</gpx>"));
 
     folder.write("bad.jsonl", "{\"call\":\"fly:\"}\n");
-    outcome = run({"convert", "bad.jsonl", "good.gpx"});
+    outcome = run({"convert", "--force", "bad.jsonl", "good.gpx"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.errors, StartsWith("bad.jsonl:1: unknown call \"fly:\"\n"));
     expectGoodTargetUntouched();
@@ -307,7 +334,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(BadInput, AFileThatMayNotBeWrittenIsNotReplaced) {
     // Of all files this one refuses even who may write everything.
     const std::string target = "/proc/version";
-    const Outcome outcome = run({"convert", "--to", "gpx", ride(), target});
+    const Outcome outcome = run({"convert", "--force", "--to", "gpx", ride(), target});
     EXPECT_EQ(outcome.status, 3);
     EXPECT_THAT(outcome.errors, StartsWith("pelluvia: cannot write /proc/version: "));
 }
@@ -315,10 +342,10 @@ TEST_F(BadInput, AFileThatMayNotBeWrittenIsNotReplaced) {
 TEST_F(BadInput, AFullDiskLeavesTheTargetAsItWas) {
     for (const char *target : {"good.gpx", "new.gpx"}) {
         for (const char *format : {"gpx", "calls"}) {
-            const Outcome outcome =
-                testing::pelluvia({.arguments = {"convert", "--to", format, ride(), target},
-                                   .folder = folder.path().string(),
-                                   .fileSizeLimit = 100});
+            const Outcome outcome = testing::pelluvia(
+                {.arguments = {"convert", "--force", "--to", format, ride(), target},
+                 .folder = folder.path().string(),
+                 .fileSizeLimit = 100});
             EXPECT_EQ(outcome.status, 3);
             EXPECT_EQ(outcome.errors,
                       "pelluvia: cannot write " + std::string(target) + ": File too large\n");
@@ -330,9 +357,10 @@ TEST_F(BadInput, AFullDiskLeavesTheTargetAsItWas) {
 
 TEST_F(BadInput, ABadSourceAndAFullDiskAreBothSaid) {
     folder.write("bad.gpx", "<gpx>");
-    const Outcome outcome = testing::pelluvia({.arguments = {"convert", "bad.gpx", "good.gpx"},
-                                               .folder = folder.path().string(),
-                                               .fileSizeLimit = 300});
+    const Outcome outcome =
+        testing::pelluvia({.arguments = {"convert", "--force", "bad.gpx", "good.gpx"},
+                           .folder = folder.path().string(),
+                           .fileSizeLimit = 300});
     EXPECT_EQ(outcome.status, 3);
     EXPECT_THAT(outcome.errors, MatchesRegex("bad.gpx:1:[0-9]+: .*\n"
                                              "pelluvia: cannot write good.gpx: File too large\n"));
@@ -341,7 +369,7 @@ TEST_F(BadInput, ABadSourceAndAFullDiskAreBothSaid) {
 }
 
 TEST_F(BadInput, ACopyOfStandardInputThatDoesNotFitIsAFailureToWrite) {
-    const Outcome outcome = testing::pelluvia({.arguments = {"convert", "-", "good.gpx"},
+    const Outcome outcome = testing::pelluvia({.arguments = {"convert", "--force", "-", "good.gpx"},
                                                .input = readFile(ride()),
                                                .folder = folder.path().string(),
                                                .fileSizeLimit = 300});

@@ -33,8 +33,9 @@ const std::string undated = "$GPGGA,120000,4807.038,N,01131.000,E,1,8,0.9,545.4,
 TEST(ConvertNMEA, WritesALogAsGPXAndSaysWhatWasInIt) {
     const TemporaryFolder folder;
     for (const char *name : {"ride.nmea", "ride.LOG"}) {
-        const Outcome outcome = testing::pelluvia(
-            {"convert", folder.write(name, first + "noise\r\n" + second), folder.file("out.gpx")});
+        const Outcome outcome = testing::pelluvia({"convert", "--force",
+                                                   folder.write(name, first + "noise\r\n" + second),
+                                                   folder.file("out.gpx")});
         EXPECT_EQ(outcome.status, 0);
         EXPECT_EQ(outcome.errors, folder.file(name) + ": 4 sentences, 2 points; 0 with a bad "
                                                       "checksum, 0 not used; 1 line of something "
@@ -214,7 +215,7 @@ TEST(ConvertNMEA, AnInterruptBringsTheTargetToAProperEnd) {
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         const TemporaryFolder folder;
         const std::string target = folder.write("out.gpx", "old");
-        LiveReceiver receiver({target});
+        LiveReceiver receiver({"--force", target});
         receiver.sendAndWait(first + second);
         receiver.signal(number);
         const Outcome outcome = receiver.outcome();

@@ -112,8 +112,8 @@ TEST(ConvertRecording, TheSummaryIsWrittenBesideTheTarget) {
     const TemporaryFolder folder;
     const std::string log = folder.write("log.jsonl", bentTrack() + endOfTracks);
     const std::string telemetry = folder.write("telemetry.json", "old");
-    const Outcome outcome = testing::pelluvia(
-        {"convert", "--minimize", "--telemetry", telemetry, log, folder.file("out.gpx")});
+    const Outcome outcome = testing::pelluvia({"convert", "--force", "--minimize", "--telemetry",
+                                               telemetry, log, folder.file("out.gpx")});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.errors, IsEmpty());
     EXPECT_EQ(readFile(telemetry),
@@ -159,8 +159,8 @@ TEST(ConvertRecording, WhatCameBeforeAFaultIsReplayedAndKept) {
     const std::string log = folder.write("log.jsonl", bentTrack() + "nonsense\n");
     const std::string target = folder.file("out.gpx");
     const std::string telemetry = folder.write("telemetry.json", "old");
-    const Outcome outcome =
-        testing::pelluvia({"convert", "--minimize", "--telemetry", telemetry, log, target});
+    const Outcome outcome = testing::pelluvia(
+        {"convert", "--force", "--minimize", "--telemetry", telemetry, log, target});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.errors, AllOf(HasSubstr("log.jsonl:7:"), HasSubstr("out.gpx is partial"),
                                       HasSubstr("telemetry.json.partial is partial"),
@@ -199,12 +199,13 @@ TEST(ConvertRecording, ASummaryThatCannotBeWrittenLeavesEverythingAsItWas) {
     for (const std::string &telemetry :
          {folder.file("missing/t.json"), folder.path().string(), std::string()}) {
         const Outcome outcome =
-            testing::pelluvia({"convert", "--telemetry", telemetry, ride(), target});
+            testing::pelluvia({"convert", "--force", "--telemetry", telemetry, ride(), target});
         EXPECT_EQ(outcome.status, 3);
         EXPECT_THAT(outcome.errors, HasSubstr("pelluvia: cannot write " + telemetry));
         EXPECT_EQ(readFile(target), "good");
     }
-    const Outcome full = testing::pelluvia({"convert", "--telemetry", "/dev/full", ride(), target});
+    const Outcome full =
+        testing::pelluvia({"convert", "--force", "--telemetry", "/dev/full", ride(), target});
     EXPECT_EQ(full.status, 3);
     EXPECT_THAT(full.errors, HasSubstr("cannot write /dev/full: "));
     EXPECT_EQ(readFile(target), "good");
@@ -215,8 +216,8 @@ TEST(ConvertRecording, ATargetThatCannotBeWrittenLeavesNoSummary) {
     const TemporaryFolder folder;
     const std::string telemetry = folder.write("t.json", "good");
     for (const std::string &target : {folder.file("missing/out.gpx"), std::string("/dev/full")}) {
-        const Outcome outcome =
-            testing::pelluvia({"convert", "--to", "gpx", "--telemetry", telemetry, ride(), target});
+        const Outcome outcome = testing::pelluvia(
+            {"convert", "--force", "--to", "gpx", "--telemetry", telemetry, ride(), target});
         EXPECT_EQ(outcome.status, 3);
         EXPECT_EQ(readFile(telemetry), "good");
     }

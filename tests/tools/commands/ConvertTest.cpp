@@ -134,7 +134,7 @@ TEST(Convert, TheCreatorIsWhatTheHeaderSays) {
 TEST(Convert, ATargetMayBeOneOfItsSources) {
     const TemporaryFolder folder;
     const std::string path = folder.write("ride.gpx", readFile(ride()));
-    expectDone(testing::pelluvia({"convert", path, path}));
+    expectDone(testing::pelluvia({"convert", "--force", path, path}));
     EXPECT_EQ(readFile(path), converted(ride(), "gpx"));
 }
 

@@ -43,6 +43,8 @@ struct Arguments {
     std::optional<std::string> slopeSlop;
     std::optional<std::string> telemetry;
     bool classic = false;
+    bool force = false;
+    bool sync = false;
     bool quiet = false;
     bool json = false;
     bool verbose = false;
@@ -136,6 +138,8 @@ ConvertOptions convertOptions(const Arguments &arguments) {
                                    "the text must be UTF-8 without control characters");
     }
     options.creator = *creator;
+    options.force = arguments.force;
+    options.sync = arguments.sync;
     options.quiet = arguments.quiet;
     options.verbose = arguments.verbose;
     return options;
@@ -241,6 +245,8 @@ CLI::App *addConvert(CLI::App &app, Arguments &arguments, const Words &words) {
     addFlag(*command, "--classic", arguments.classic, "No recorder between source and target");
     command->add_option("--creator", arguments.creator, "The creator named in a GPX header")
         ->option_text("TEXT");
+    addFlag(*command, "--force", arguments.force, "Replace files that are there");
+    addFlag(*command, "--sync", arguments.sync, "Wait until the disk has the result");
     addFlag(*command, "-q,--quiet", arguments.quiet, "No progress bar");
     addFlag(*command, "-v,--verbose", arguments.verbose,
             "Log to standard error, not to the system log");

@@ -58,15 +58,18 @@ that too.
 Of a route, a GPX target holds the name and the comment but not the points; a
 call log holds all that was read.
 
-The target gets its name when it is complete. When a source turns out bad, what
-was read before the fault is kept and said to be partial: under the target's
-name, or as TARGET.partial when a file of that name is already there.
+The target gets its name when it is complete. A file that is already there is
+replaced only with --force. When a source turns out bad, what was read before
+the fault is kept and said to be partial: under the target's name if that is
+free, or else as TARGET.partial (TARGET.partial.2 and so on). That is also where
+what comes from a receiver lies until it is complete.
 
 Exit status:
   0  done
   1  a source was missing, unreadable or bad
-  2  wrong usage
-  3  the target could not be written; what was there is as it was
+  2  wrong usage, or a file is already there and --force was not given
+  3  the target could not be written; what was there is as it was, unless a
+     message says otherwise
 
 Examples:
   pelluvia convert monday.gpx tuesday.gpx week.gpx

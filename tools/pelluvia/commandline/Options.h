@@ -60,6 +60,8 @@ struct ConvertOptions {
     RecordingOptions recording;
     std::string
         creator; ///< for the header of a GPX target, as XML attribute text; empty: the default
+    bool force = false;   ///< files that are there may be replaced
+    bool sync = false;    ///< a result is on the disk when the command ends
     bool quiet = false;   ///< no progress bar
     bool verbose = false; ///< the framework's log lines on standard error, not in the system log
 };

@@ -34,9 +34,8 @@ class Conversion {
         if (!areSourcesReadable()) {
             return exitStatus::badInput;
         }
-        if (!open(options_.target, target_) ||
-            (options_.recording.telemetry && !open(*options_.recording.telemetry, telemetry_))) {
-            return exitStatus::cannotWrite;
+        if (const int status = openTargets(); status != exitStatus::done) {
+            return status;
         }
         if (!options_.creator.empty()) {
             GPXExporter::setCreator(options_.creator);
@@ -51,13 +50,32 @@ class Conversion {
     }
 
   private:
-    static bool open(const std::string &path, std::unique_ptr<TargetFile> &file) {
+    int openTargets() {
+        const int status = open(options_.target, hasLiveSource(), target_);
+        return status == exitStatus::done && options_.recording.telemetry
+                   ? open(*options_.recording.telemetry, false, telemetry_)
+                   : status;
+    }
+
+    int open(const std::string &path, bool isLive, std::unique_ptr<TargetFile> &file) const {
         std::error_code error;
-        file = TargetFile::open(path, error);
-        if (file == nullptr) {
-            cannotWrite(path, error);
+        file = TargetFile::open(
+            path,
+            {.mayReplace = options_.force, .isSynced = options_.sync || isLive, .isLive = isLive},
+            error);
+        if (error == std::errc::file_exists) {
+            complain(path + " is there already; --force replaces it");
+            return exitStatus::wrongUsage;
         }
-        return file != nullptr;
+        return file == nullptr ? cannotWrite(path, error) : exitStatus::done;
+    }
+
+    /// Whether something is written as it comes that cannot be read again.
+    [[nodiscard]] bool hasLiveSource() const {
+        return recorder_ == nullptr &&
+               std::any_of(options_.sources.begin(), options_.sources.end(), [](const auto &each) {
+                   return each.format == Format::NMEA && !isRegularFile(each.path);
+               });
     }
 
     /// Whom the producers call: the target, or the recorder before it.
@@ -136,7 +154,7 @@ class Conversion {
             recorder_->pushAllDataToOutput(*output_.receiver);
         }
         if (const std::error_code error = output_.finish()) {
-            return cannotWrite(options_.target, error);
+            return notKept(options_.target, *target_, error, false);
         }
         if (const std::string remark = output_.remark ? output_.remark() : ""; !remark.empty()) {
             say(targetName(options_.target) + ": " + remark);
@@ -151,16 +169,20 @@ class Conversion {
             }
         }
         const int kept = keep(options_.target, *target_, status);
-        return telemetry_ == nullptr || kept != status
-                   ? kept
-                   : keep(*options_.recording.telemetry, *telemetry_, status);
+        if (telemetry_ == nullptr || kept != status) {
+            return kept;
+        }
+        const int both = keep(*options_.recording.telemetry, *telemetry_, status);
+        if (both != status && status == exitStatus::done && !target_->keptName().empty()) {
+            complain(target_->keptName() + " is complete");
+        }
+        return both;
     }
 
-    [[nodiscard]] int keep(const std::string &path, TargetFile &file, int status) const {
+    [[nodiscard]] static int keep(const std::string &path, TargetFile &file, int status) {
         const bool isComplete = status == exitStatus::done;
-        if (const std::error_code error =
-                isComplete ? file.keep() : file.keepPartial(sourcePaths())) {
-            return cannotWrite(path, error);
+        if (const std::error_code error = isComplete ? file.keep() : file.keepPartial()) {
+            return notKept(path, file, error, isComplete);
         }
         if (!isComplete) {
             sayWhatIsPartial(path, file);
@@ -168,12 +190,15 @@ class Conversion {
         return status;
     }
 
-    [[nodiscard]] std::vector<std::string> sourcePaths() const {
-        std::vector<std::string> paths;
-        for (const Source &source : options_.sources) {
-            paths.push_back(source.path);
+    /// Says what there is nevertheless.
+    static int notKept(const std::string &path, TargetFile &file, const std::error_code &error,
+                       bool isComplete) {
+        file.giveUp();
+        cannotWrite(path, error);
+        if (!file.keptName().empty()) {
+            complain(file.keptName() + (isComplete ? " is complete" : " is partial"));
         }
-        return paths;
+        return exitStatus::cannotWrite;
     }
 
     void sayWhatIsPartial(const std::string &path, const TargetFile &file) const {

@@ -17,11 +17,6 @@ std::error_code lastError() {
     return {errno, std::generic_category()};
 }
 
-bool isRegularFile(const std::string &path) {
-    struct stat status = {};
-    return path != "-" && ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
 ssize_t readSome(int descriptor, char *buffer) {
     ssize_t got = 0;
     do {
@@ -44,6 +39,11 @@ std::error_code writeAll(int descriptor, const char *bytes, std::size_t size) {
 }
 
 } // namespace
+
+bool isRegularFile(const std::string &path) {
+    struct stat status = {};
+    return path != "-" && ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
 
 std::error_code whyUnreadable(const std::string &path) {
     struct stat status = {};

@@ -11,6 +11,9 @@ namespace pelluvia::host {
 /// as if it could. Opens nothing that would wait for another process. "-" is standard input.
 [[nodiscard]] std::error_code whyUnreadable(const std::string &path);
 
+/// Whether there is a regular file at the path, which can be read again.
+[[nodiscard]] bool isRegularFile(const std::string &path);
+
 /// A source opened for reading once, from where it stands. "-" is standard input, of which a copy
 /// of the descriptor is made.
 [[nodiscard]] Descriptor openSource(const std::string &path, std::error_code &error);

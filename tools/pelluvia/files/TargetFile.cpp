@@ -1,5 +1,7 @@
 #include <tools/pelluvia/files/TargetFile.h>
 
+#include <tools/pelluvia/files/Sync.h>
+
 #include <Pelluvia/system/OutputFile.h>
 
 #include <algorithm>
@@ -9,6 +11,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <optional>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace pelluvia::host {
@@ -53,6 +56,34 @@ std::filesystem::path nameOfPlace(const std::string &path) {
     return error ? std::filesystem::path(itself) : name;
 }
 
+/// The name of the first, second ... partial result for a target. Of a name that is too long for
+/// it, whole characters at the end make room.
+std::string partialName(const std::string &path, int number) {
+    constexpr std::size_t longestName = 255;
+    const std::string suffix = number == 1 ? ".partial" : ".partial." + std::to_string(number);
+    const std::size_t slash = path.rfind('/');
+    const std::size_t start = slash == std::string::npos ? 0 : slash + 1;
+    std::size_t end = std::min(path.size(), start + longestName - suffix.size());
+    const auto isInsideCharacter = [&path](std::size_t at) {
+        return at < path.size() && (static_cast<unsigned char>(path[at]) & 0xC0U) == 0x80U;
+    };
+    while (end > start && isInsideCharacter(end)) {
+        --end;
+    }
+    return path.substr(0, end) + suffix;
+}
+
+/// A file that has the name of a partial result from the start.
+std::unique_ptr<TemporaryFile> makeLive(const std::string &path, const AccessRights *rights,
+                                        std::error_code &error) {
+    for (int number = 1;; ++number) {
+        auto file = TemporaryFile::makeVisible(partialName(path, number), rights, error);
+        if (file != nullptr || error != std::errc::file_exists) {
+            return file;
+        }
+    }
+}
+
 std::optional<int> descriptorOf(const std::string &path) {
     return path == "-" ? STDOUT_FILENO : OutputFile::descriptorNamedBy(path);
 }
@@ -68,13 +99,15 @@ bool TargetFile::isSamePlace(const std::string &first, const std::string &second
     return first == second || nameOfPlace(first) == nameOfPlace(second);
 }
 
-std::unique_ptr<TargetFile> TargetFile::open(const std::string &path, std::error_code &error) {
+std::unique_ptr<TargetFile> TargetFile::open(const std::string &path, const Options &options,
+                                             std::error_code &error) {
     error.clear();
-    const auto written = [](std::string where) {
-        return std::unique_ptr<TargetFile>(new TargetFile(std::move(where), false, nullptr));
+    const auto target = [&options](std::string where, std::unique_ptr<TemporaryFile> file) {
+        return std::unique_ptr<TargetFile>(
+            new TargetFile(std::move(where), options, std::move(file)));
     };
     if (path == "-" || OutputFile::descriptorNamedBy(path)) {
-        return written(path == "-" ? "/dev/stdout" : path);
+        return target(path == "-" ? "/dev/stdout" : path, nullptr);
     }
     struct stat status = {};
     const bool exists = ::stat(path.c_str(), &status) == 0;
@@ -92,51 +125,100 @@ std::unique_ptr<TargetFile> TargetFile::open(const std::string &path, std::error
         return nullptr;
     }
     if (exists && !S_ISREG(status.st_mode)) {
-        return written(path);
+        return target(path, nullptr);
+    }
+    if (exists && !options.mayReplace) {
+        error = std::make_error_code(std::errc::file_exists);
+        return nullptr;
     }
     std::string itself = withoutLinks(path);
-    auto file = TemporaryFile::makeBeside(itself, exists ? &status : nullptr, error);
-    return file == nullptr ? nullptr
-                           : std::unique_ptr<TargetFile>(
-                                 new TargetFile(std::move(itself), exists, std::move(file)));
+    const auto rights = exists ? std::optional<AccessRights>(std::in_place, itself, status)
+                               : std::optional<AccessRights>();
+    const AccessRights *model = rights ? &*rights : nullptr;
+    auto file = options.isLive ? makeLive(itself, model, error)
+                               : TemporaryFile::makeBeside(itself, model, error);
+    return file == nullptr ? nullptr : target(std::move(itself), std::move(file));
 }
 
-TargetFile::TargetFile(std::string path, bool isReplacing, std::unique_ptr<TemporaryFile> file)
-    : path_(std::move(path)), isReplacing_(isReplacing), file_(std::move(file)) {}
+TargetFile::TargetFile(std::string path, const Options &options,
+                       std::unique_ptr<TemporaryFile> file)
+    : path_(std::move(path)),
+      options_(options),
+      file_(std::move(file)),
+      writePath_(file_ == nullptr ? path_ : "/dev/fd/" + std::to_string(file_->descriptor())) {}
 
-const std::string &TargetFile::writePath() const noexcept {
-    return file_ != nullptr ? file_->path() : path_;
+TargetFile::~TargetFile() {
+    giveUp();
+}
+
+std::error_code TargetFile::sync() const noexcept {
+    const auto descriptor = OutputFile::descriptorNamedBy(writePath_);
+    return descriptor ? syncFile(*descriptor) : std::error_code();
 }
 
 std::error_code TargetFile::keep() {
-    return keepAs(path_);
-}
-
-std::error_code TargetFile::keepPartial(std::span<const std::string> mustStay) {
-    struct stat status = {};
-    std::string name = path_;
-    if (::lstat(path_.c_str(), &status) == 0) {
-        const auto isThere = [&name](const std::string &path) { return isSamePlace(path, name); };
-        do {
-            name += ".partial";
-        } while (std::any_of(mustStay.begin(), mustStay.end(), isThere));
-    }
-    return keepAs(name);
-}
-
-std::error_code TargetFile::keepAs(const std::string &name) {
-    if (file_ == nullptr) {
-        return {};
-    }
-    // Where nothing is replaced, nothing is lost if the machine stops before the disk has it all.
-    if (const std::error_code error = isReplacing_ ? file_->sync() : std::error_code()) {
+    std::error_code error = options_.isSynced ? sync() : std::error_code();
+    if (error || file_ == nullptr) {
         return error;
     }
-    const std::error_code error = file_->rename(name);
+    error = file_->take(path_);
     if (!error) {
-        keptName_ = name;
+        return kept(path_, options_.isSynced);
     }
-    return error;
+    if (error == std::errc::file_exists && !options_.mayReplace) {
+        const std::error_code other = keepBeside();
+        return other ? other : error;
+    }
+    if (error == std::errc::file_exists) {
+        // Should the machine stop, there is the old file or the whole of the new one.
+        error = sync();
+        if (!error) {
+            error = file_->replace(path_);
+        }
+    }
+    return error ? error : kept(path_, true);
+}
+
+std::error_code TargetFile::keepPartial() {
+    std::error_code error = options_.isSynced ? sync() : std::error_code();
+    if (error || file_ == nullptr) {
+        return error;
+    }
+    error = file_->take(path_);
+    if (error == std::errc::file_exists) {
+        return keepBeside();
+    }
+    return error ? error : kept(path_, options_.isSynced);
+}
+
+/// Keeps the result under the first of the names of partial results that nothing has.
+std::error_code TargetFile::keepBeside() {
+    if (options_.isLive) { // has it already
+        const std::string name = file_->name();
+        file_->stay();
+        return kept(name, options_.isSynced);
+    }
+    for (int number = 1;; ++number) {
+        const std::string name = partialName(path_, number);
+        const std::error_code error = file_->take(name);
+        if (error != std::errc::file_exists) {
+            return error ? error : kept(name, options_.isSynced);
+        }
+    }
+}
+
+std::error_code TargetFile::kept(const std::string &name, bool isSynced) {
+    keptName_ = name;
+    return isSynced ? syncNameOf(name) : std::error_code();
+}
+
+void TargetFile::giveUp() {
+    struct stat status = {};
+    if (options_.isLive && file_ != nullptr && keptName_.empty() &&
+        ::fstat(file_->descriptor(), &status) == 0 && status.st_size != 0) {
+        keptName_ = file_->name();
+        file_->stay();
+    }
 }
 
 } // namespace pelluvia::host

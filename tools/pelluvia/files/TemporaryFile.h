@@ -1,46 +1,62 @@
 #pragma once
 
+#include <tools/pelluvia/files/AccessRights.h>
 #include <tools/pelluvia/files/Descriptor.h>
+#include <tools/pelluvia/files/SignalCleanup.h>
 
-#include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
-#include <sys/stat.h>
 #include <system_error>
 
 namespace pelluvia::host {
 
-/// A file under a temporary name, which is removed unless it is given a name of its own: at the end
-/// of this object, and also when SIGHUP, SIGINT or SIGTERM ends the process meanwhile.
+/// A file that is being made, and is gone at the end of this object unless it was given a name. It
+/// is written through its descriptor and never opened by a name.
 ///
-/// A process has few at a time, `most`, since a signal handler must find them. Threads: none.
+/// Threads: none.
 class TemporaryFile {
   public:
-    /// A new empty file in the folder of `path`, with a name made of its name. It gets the
-    /// permissions, and where we may the owner, of `model`; without one, those of a new file. Null
-    /// when it cannot be made; `error` then says why.
+    /// A new empty file in the folder of `path`, with the rights of another or, where that is null,
+    /// those of a new file. It has no name, so that nothing is left of it however the process ends.
+    /// Where the system has no such files it has a name as `makeHidden` gives it. Null when it
+    /// cannot be made; `error` then says why.
     [[nodiscard]] static std::unique_ptr<TemporaryFile>
-    makeBeside(const std::string &path, const struct stat *model, std::error_code &error);
+    makeBeside(const std::string &path, const AccessRights *rights, std::error_code &error);
 
-    static constexpr std::size_t most = 2;
+    /// Likewise under a name made of that of `path`, with a dot before it. It is removed, too, when
+    /// a signal ends the process that can be handled.
+    [[nodiscard]] static std::unique_ptr<TemporaryFile>
+    makeHidden(const std::string &path, const AccessRights *rights, std::error_code &error);
+
+    /// Likewise under this very name, if that is free. It stays when the process is killed: for
+    /// what cannot be had a second time.
+    [[nodiscard]] static std::unique_ptr<TemporaryFile>
+    makeVisible(const std::string &name, const AccessRights *rights, std::error_code &error);
 
     TemporaryFile(const TemporaryFile &) = delete;
     TemporaryFile &operator=(const TemporaryFile &) = delete;
     ~TemporaryFile();
 
-    [[nodiscard]] const std::string &path() const noexcept { return path_; }
+    /// To be written to; it stays this object's.
+    [[nodiscard]] int descriptor() const noexcept { return descriptor_.number(); }
+    /// The name that it has for the time being; empty for none.
+    [[nodiscard]] const std::string &name() const noexcept { return name_; }
 
-    /// Waits until the content is on the disk.
-    [[nodiscard]] std::error_code sync() const;
-    /// Gives the file a name, in place of another file that may have it.
-    [[nodiscard]] std::error_code rename(const std::string &name);
+    /// Gives the file a name for good, if nothing else has it (`std::errc::file_exists`).
+    [[nodiscard]] std::error_code take(const std::string &name);
+    /// Gives the file a name for good, in place of another file that may have it.
+    [[nodiscard]] std::error_code replace(const std::string &name);
+    /// Leaves the file the name that it has.
+    void stay() noexcept;
 
   private:
-    TemporaryFile(std::string path, Descriptor descriptor, char *pathToRemove) noexcept;
+    TemporaryFile(std::string name, Descriptor descriptor) noexcept;
+    [[nodiscard]] std::error_code linkAs(const std::string &name) const;
 
-    std::string path_;
+    std::string name_;
     Descriptor descriptor_;
-    char *pathToRemove_; ///< the signal handler's copy of the path
+    std::optional<RemovalOnSignal> removal_;
 };
 
 } // namespace pelluvia::host
