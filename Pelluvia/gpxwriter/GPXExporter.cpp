@@ -67,6 +67,10 @@ std::error_code GPXExporter::writeFailure() const noexcept {
     return gpxRef != nullptr ? gpxRef->file->failure() : closedFailure_;
 }
 
+std::error_code GPXExporter::flush() {
+    return gpxRef != nullptr ? gpxRef->file->flush() : closedFailure_;
+}
+
 void GPXExporter::closeIfOpen() {
     if (gpxRef != nullptr) {
         closedFailure_ = closeDocument(std::exchange(gpxRef, nullptr));

@@ -45,6 +45,24 @@ class Exporter : public ::testing::Test {
     std::shared_ptr<GPXExporter> exporter;
 };
 
+TEST_F(Exporter, AFlushWritesWhatWasSentSoFar) {
+    exporter->startTransfer(nullptr, transferKind::waypoints, nullptr);
+    exporter->wayPoint(somewhere, nullptr);
+    EXPECT_FALSE(exporter->flush());
+    EXPECT_TRUE(testing::readFile(path).ends_with("<wpt lat=\"1\" lon=\"2\"></wpt>\n"))
+        << testing::readFile(path);
+    exporter->gpsStateChange(gpsState::finished);
+    EXPECT_FALSE(exporter->flush()) << "nothing is open any more";
+}
+
+TEST_F(Exporter, AFlushTellsTheFirstFailure) {
+    const auto full = GPXExporter::initWithPath("/dev/full");
+    ASSERT_NE(full, nullptr);
+    EXPECT_EQ(full->flush(), std::errc::no_space_on_device);
+    full->gpsStateChange(gpsState::finished);
+    EXPECT_EQ(full->flush(), std::errc::no_space_on_device);
+}
+
 TEST_F(Exporter, WritesATrackTransfer) {
     const Dictionary track = dictionaryOf(extras::name, "Ride"sv);
     exporter->startTransfer(nullptr, transferKind::tracks, nullptr);

@@ -65,8 +65,8 @@ TEST(CommandLine, EndingsOfReceiversLogsAreKnown) {
     EXPECT_EQ(options.sources[1].format, Format::NMEA);
     EXPECT_EQ(options.targetFormat, Format::NMEA);
     EXPECT_EQ(options.nmea.baud, 4800);
-    EXPECT_EQ(options.nmea.decoder.longestGap, 300);
-    EXPECT_EQ(options.nmea.decoder.day, std::nullopt);
+    EXPECT_EQ(options.nmea.longestGap, 300);
+    EXPECT_EQ(options.nmea.day, std::nullopt);
 }
 
 TEST(CommandLine, ReceiversHaveOptions) {
@@ -76,8 +76,8 @@ TEST(CommandLine, ReceiversHaveOptions) {
     EXPECT_EQ(options.sources[0].format, Format::NMEA);
     EXPECT_EQ(options.targetFormat, Format::NMEA);
     EXPECT_EQ(options.nmea.baud, 9600);
-    EXPECT_EQ(options.nmea.decoder.longestGap, 0);
-    EXPECT_EQ(options.nmea.decoder.day, 1);
+    EXPECT_EQ(options.nmea.longestGap, 0);
+    EXPECT_EQ(options.nmea.day, 1);
 }
 
 TEST(CommandLine, OptionsNameTheFormatWhateverTheEnding) {
@@ -178,8 +178,26 @@ TEST(CommandLine, InfoTakesAnyNumberOfFiles) {
     const Command command = parsed({"info", "--json", "a.gpx", "-", "b"});
     const auto *options = std::get_if<InfoOptions>(&command);
     ASSERT_NE(options, nullptr);
-    EXPECT_THAT(options->files, ::testing::ElementsAre("a.gpx", "-", "b"));
+    EXPECT_THAT(options->sources, ::testing::ElementsAre(::testing::Field(&Source::path, "a.gpx"),
+                                                         ::testing::Field(&Source::path, "-"),
+                                                         ::testing::Field(&Source::path, "b")));
     EXPECT_TRUE(options->json);
+}
+
+TEST(CommandLine, InfoTellsFormatsByEndingOrOptionAndElseTakesGPX) {
+    const auto formats = [](const std::vector<std::string> &words) {
+        const Command command = parsed(words);
+        std::vector<Format> result;
+        for (const Source &source : std::get<InfoOptions>(command).sources) {
+            result.push_back(source.format);
+        }
+        return result;
+    };
+    using ::testing::ElementsAre;
+    EXPECT_THAT(formats({"info", "a.gpx", "a.LOG", "a.jsonl", "a.txt", "-"}),
+                ElementsAre(Format::GPX, Format::NMEA, Format::Calls, Format::GPX, Format::GPX));
+    EXPECT_THAT(formats({"info", "--from", "calls", "a.gpx", "-"}),
+                ElementsAre(Format::Calls, Format::Calls));
 }
 
 TEST(CommandLine, PathsInBracketsAreNoLists) {

@@ -19,6 +19,7 @@ Output openGPX(const std::string &path, const std::shared_ptr<ReportCollector> &
     if (exporter == nullptr) {
         return {.receiver = nullptr,
                 .finish = {},
+                .flush = {},
                 .hasFailed = {},
                 .openFailure = {errno != 0 ? errno : EIO, std::generic_category()}};
     }
@@ -30,6 +31,7 @@ Output openGPX(const std::string &path, const std::shared_ptr<ReportCollector> &
                     exporter->gpsStateChange(gpsState::finished);
                     return exporter->writeFailure();
                 },
+            .flush = [exporter] { exporter->flush(); },
             .hasFailed = [exporter] { return bool(exporter->writeFailure()); },
             .openFailure = {}};
 }
@@ -39,13 +41,15 @@ Output openCallLog(const std::string &path, const std::shared_ptr<ReportCollecto
     std::error_code error;
     const auto writer = CallLogWriter::initWithPath(path, error);
     if (writer == nullptr) {
-        return {.receiver = nullptr, .finish = {}, .hasFailed = {}, .openFailure = error};
+        return {
+            .receiver = nullptr, .finish = {}, .flush = {}, .hasFailed = {}, .openFailure = error};
     }
     writer->setErrorObject(collector, &ReportCollector::take);
     writer->setProgress(progress);
     // A log holds what the producers sent and nothing of the host's own.
     return {.receiver = writer,
             .finish = [writer] { return writer->close(); },
+            .flush = [] {}, // TODO
             .hasFailed = [writer] { return bool(writer->failure()); },
             .openFailure = {}};
 }
@@ -55,12 +59,14 @@ Output openNMEA(const std::string &path, const std::shared_ptr<ReportCollector> 
     std::error_code error;
     const auto writer = NMEAWriter::initWithPath(path, error);
     if (writer == nullptr) {
-        return {.receiver = nullptr, .finish = {}, .hasFailed = {}, .openFailure = error};
+        return {
+            .receiver = nullptr, .finish = {}, .flush = {}, .hasFailed = {}, .openFailure = error};
     }
     writer->setErrorObject(collector, &ReportCollector::take);
     writer->setProgress(progress);
     return {.receiver = writer,
             .finish = [writer] { return writer->close(); },
+            .flush = [] {}, // TODO
             .hasFailed = [writer] { return bool(writer->failure()); },
             .openFailure = {},
             .remark = [writer] { return textOf(writer->omissions()); }};

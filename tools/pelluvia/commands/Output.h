@@ -19,6 +19,8 @@ struct Output {
     std::shared_ptr<GPSOutputReceiver> receiver;
     /// Ends and closes the document; no call may follow. The first failure of any write, or none.
     std::function<std::error_code()> finish;
+    /// Writes what is held back, so that who reads along has all that is known.
+    std::function<void()> flush;
     /// Whether a write has failed already, so that nothing more will come of this document.
     std::function<bool()> hasFailed;
     /// Why the document could not be opened.

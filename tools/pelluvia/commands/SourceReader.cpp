@@ -102,7 +102,8 @@ std::optional<InputFault> SourceReader::readNMEA(const std::string &path) {
     if (outcome.ending != nmea::Ending::NotOpened) {
         say(sourceName(path) + ": " + textOf(outcome.tally));
     }
-    return outcome.error ? std::optional(InputFault{.message = outcome.problem}) : std::nullopt;
+    return error != nullptr ? std::optional(InputFault{.message = error->localizedDescription()})
+                            : std::nullopt;
 }
 
 /// A log may end the exchange by itself. A GPX document gets its end from us, since other sources
