@@ -1,4 +1,4 @@
-#include <Pelluvia/gpximport/CollectedNumber.h>
+#include <Pelluvia/gpximport/internal/CollectedNumber.h>
 
 #include <cstdint>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include <Pelluvia/gpximport/CollectedPoint.h>
+#include <Pelluvia/gpximport/internal/CollectedPoint.h>
 
 #include <gtest/gtest.h>
 #include <limits>

@@ -1,4 +1,4 @@
-#include <Pelluvia/gpximport/CollectedText.h>
+#include <Pelluvia/gpximport/internal/CollectedText.h>
 
 #include <gtest/gtest.h>
 #include <string>

@@ -1,4 +1,4 @@
-#include <Pelluvia/gpximport/ShortText.h>
+#include <Pelluvia/gpximport/internal/ShortText.h>
 
 #include <gtest/gtest.h>
 #include <string>

@@ -12,7 +12,7 @@
 
 /// \file
 /// The names that mean something in GPX files. The parser looks each of them up once and from then
-/// on delivers its number, so that handlers switch on numbers and never compare texts.
+/// on delivers its number, so that handlers go by numbers and compare no texts.
 
 namespace pelluvia::gpxVocabulary {
 
@@ -161,16 +161,27 @@ static_assert(namespaces.size() == static_cast<std::size_t>(Namespace::GPX11),
 /// What delegates that read GPX give to the parser.
 inline constexpr XMLVocabulary vocabulary{names, namespaces};
 
-[[nodiscard]] constexpr Name nameOf(const XMLElement &element) noexcept {
-    return static_cast<Name>(element.nameNumber);
+/// The name or namespace of a text, or `Other`. For those that come without a number of this
+/// vocabulary, from others than a parser that has it.
+[[nodiscard]] Name nameOf(std::string_view localName) noexcept;
+[[nodiscard]] Namespace namespaceOf(std::string_view uri) noexcept;
+
+[[nodiscard]] inline Name nameOf(const XMLElement &element) noexcept {
+    const std::size_t position = std::size_t{element.nameNumber} - 1;
+    return position < names.size() ? static_cast<Name>(element.nameNumber)
+                                   : nameOf(element.localName);
 }
-[[nodiscard]] constexpr Namespace namespaceOf(const XMLElement &element) noexcept {
-    return static_cast<Namespace>(element.namespaceNumber);
+[[nodiscard]] inline Namespace namespaceOf(const XMLElement &element) noexcept {
+    const std::size_t position = std::size_t{element.namespaceNumber} - 1;
+    return position < namespaces.size() ? static_cast<Namespace>(element.namespaceNumber)
+                                        : namespaceOf(element.namespaceURI);
 }
 /// The value of an attribute, or nothing.
 [[nodiscard]] inline std::optional<std::string_view> attribute(const XMLAttributes &attributes,
                                                                Name name) noexcept {
-    return attributes.value(static_cast<std::uint16_t>(name));
+    const auto number = static_cast<std::uint16_t>(name);
+    const auto value = attributes.value(number);
+    return value ? value : attributes.value(names[number - 1U]);
 }
 
 } // namespace pelluvia::gpxVocabulary

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/gpximport/ShortText.h>
+#include <Pelluvia/gpximport/internal/ShortText.h>
 #include <Pelluvia/text/Scanner.h>
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <Pelluvia/gpximport/CollectedNumber.h>
-#include <Pelluvia/gpximport/ShortText.h>
+#include <Pelluvia/gpximport/internal/CollectedNumber.h>
+#include <Pelluvia/gpximport/internal/ShortText.h>
 #include <Pelluvia/model/GPSPoint.h>
 #include <Pelluvia/text/Companion.h>
 

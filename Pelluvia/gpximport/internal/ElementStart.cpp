@@ -1,0 +1,144 @@
+#include <Pelluvia/gpximport/internal/ElementHandler.h>
+
+#include <Pelluvia/gpximport/internal/GPXVocabulary.h>
+
+/// \file
+/// The importer at the start of elements: flags, attributes, and the tests of nesting.
+
+namespace pelluvia {
+
+using gpxTable::Rule;
+using gpxVocabulary::attribute;
+using gpxVocabulary::Name;
+using gpxVocabulary::Namespace;
+
+void ElementHandler::start(XMLParser &parser, const XMLElement &element,
+                           const XMLAttributes &attributes) {
+    currentStringValue.clear();
+    const Namespace space = gpxVocabulary::namespaceOf(element);
+    if (space == Namespace::GPX11) {
+        gpxVersion = 1.1F;
+    } else if (space == Namespace::GPX10) {
+        gpxVersion = 1.0F;
+    } else if (space == Namespace::Geocache && isInLogs()) {
+        return; // logs and travel bugs have names and types of their own
+    }
+    const gpxTable::Element &meaning = gpxTable::startOf(space, gpxVocabulary::nameOf(element));
+    if (meaning.rule != Rule::none && !obeyAtStart(meaning.rule, parser, attributes)) {
+        return;
+    }
+    if (meaning.flag.atStart != nullptr) {
+        flags.*meaning.flag.atStart = true;
+    }
+    if (meaning.attributeText != nullptr) {
+        if (const auto value = attribute(attributes, meaning.attribute)) {
+            (collected.*meaning.attributeText).set(*value);
+        }
+    }
+}
+
+bool ElementHandler::obeyAtStart(Rule rule, XMLParser &parser, const XMLAttributes &attributes) {
+    switch (rule) {
+    case Rule::waypoint:
+        startWaypoint(attributes);
+        return true;
+    case Rule::route:
+        routeStarted = false;
+        return true;
+    case Rule::routePoint:
+        return startRtept(parser, attributes);
+    case Rule::track:
+        startTrk();
+        return true;
+    case Rule::trackSegment:
+        return startTrkseg(parser);
+    case Rule::trackPoint:
+        return startTrkpt(parser, attributes);
+    case Rule::elevation:
+        return startEle(parser);
+    case Rule::link:
+        startLink(attributes);
+        return true;
+    case Rule::none:
+    case Rule::linkText:
+    case Rule::cacheName:
+        return true;
+    }
+    return true;
+}
+
+void ElementHandler::startWaypoint(const XMLAttributes &attributes) noexcept {
+    clearPoint();
+    readPosition(attributes, transferKind::waypoints);
+}
+
+bool ElementHandler::startRtept(XMLParser &parser, const XMLAttributes &attributes) {
+    // The route is announced here rather than at its own start: by now its name is known.
+    if (!routeStarted) {
+        startRoute(parser);
+    }
+    clearPoint();
+    if (!flags.inRoute) {
+        abort(parser, "rtept outside of route");
+        return false;
+    }
+    readPosition(attributes, transferKind::routes);
+    return true;
+}
+
+bool ElementHandler::startTrkseg(XMLParser &parser) {
+    if (flags.inTrkSeg) {
+        abort(parser, "trkseg found while in track segment already");
+        return false;
+    }
+    startTrkSeg(parser);
+    return true;
+}
+
+bool ElementHandler::startTrkpt(XMLParser &parser, const XMLAttributes &attributes) {
+    clearPoint();
+    if (!flags.inTrkSeg) {
+        abort(parser, "trkpt found while not in track segment");
+        return false;
+    }
+    if (flags.inTrkPt) {
+        abort(parser, "trkpt found while in track point already");
+        return false;
+    }
+    readPosition(attributes, transferKind::tracks);
+    return true;
+}
+
+bool ElementHandler::startEle(XMLParser &parser) {
+    if (!flags.inTrkPt && !flags.inWaypoint && !flags.inRoutePoint) {
+        abort(parser, "ele received outside of geometry");
+        return false;
+    }
+    return true;
+}
+
+void ElementHandler::startLink(const XMLAttributes &attributes) {
+    // The text has just been emptied, so the address is never kept and an earlier one is forgotten:
+    // a link contributes its text only.
+    const auto address = attribute(attributes, Name::Href);
+    if (address && !currentStringValue.empty()) {
+        collected.url.set(*address);
+    } else {
+        collected.url.clear();
+    }
+}
+
+void ElementHandler::readPosition(const XMLAttributes &attributes, std::int32_t kind) noexcept {
+    // Of points within points, the outer one may be sent with the place of any inner one.
+    leavesOutPlaces = leavesOutPlaces && !flags.inWaypoint && !flags.inRoutePoint && !flags.inTrkPt;
+    if (leavesOutPlaces && kind != mode) {
+        return;
+    }
+    const auto latitude = attribute(attributes, Name::Lat);
+    const auto longitude = attribute(attributes, Name::Lon);
+    if (latitude && longitude) {
+        currentPoint.setPosition(*latitude, *longitude);
+    }
+}
+
+} // namespace pelluvia

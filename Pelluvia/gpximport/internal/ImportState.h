@@ -1,0 +1,62 @@
+#pragma once
+
+#include <Pelluvia/gpximport/GPXFileImporter.h>
+#include <Pelluvia/gpximport/GPXImportCounter.h>
+#include <Pelluvia/gpximport/internal/ElementHandler.h>
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace pelluvia {
+
+/// What an importer keeps, and the passes of its imports. What happens within a pass is the
+/// business of `elements`.
+class GPXFileImporter::State {
+  public:
+    /// The importer is what its parsers report to.
+    State(GPXFileImporter &importer, std::shared_ptr<GPSOutputReceiver> receiver)
+        : elements(std::move(receiver)), importer_(importer) {}
+
+    [[nodiscard]] std::optional<URL> fileURL() const;
+    void setFileURL(std::optional<URL> newURL);
+
+    [[nodiscard]] ErrorPtr process();
+    [[nodiscard]] ErrorPtr runParser(std::int32_t kind);
+    void parseErrorOccurred(XMLParser &parser, const ErrorPtr &error);
+
+    ElementHandler elements;
+    bool doTracks = true;
+    bool doRoutes = true;
+    bool doWaypoints = true;
+    /// Whether the pass need not collect what goes only into points of other kinds: in a file where
+    /// each point is cleared at its start (of one in a foreign namespace, only the end is seen),
+    /// when a pass follows that collects it, and when the importer is in no element at first.
+    bool leavesOut = false;
+
+  private:
+    /// The parse before the passes; a file that cannot be counted may still be read.
+    void countElements();
+    [[nodiscard]] ErrorPtr runParsers();
+    [[nodiscard]] ErrorPtr runPass(std::int32_t kind);
+    [[nodiscard]] bool isLastPass(std::int32_t kind) const noexcept;
+    void collectLeftOut();
+    [[nodiscard]] std::unique_ptr<XMLParser> parserOfFile();
+
+    GPXFileImporter &importer_;
+    mutable std::mutex fileURLMutex;
+    std::optional<URL> _fileURL;
+    /// Reserved: extensions are told by their namespaces, never by their prefixes.
+    std::optional<std::string> geocachePrefix;
+    std::optional<std::string> gpxDataPrefix;
+
+    std::shared_ptr<GPXImportCounter> counters;
+    /// What the counting parse has found out about the file, for the passes; and which file.
+    XMLKnownFile countedFile;
+    std::optional<URL> countedURL;
+    std::int32_t recno = 0; ///< of no use but to be reset
+};
+
+} // namespace pelluvia
