@@ -185,7 +185,7 @@ TEST(CommandLine, InfoTakesAnyNumberOfFiles) {
 }
 
 TEST(CommandLine, InfoTellsFormatsByEndingOrOptionAndElseTakesGPX) {
-    const auto formats = [](const std::vector<std::string> &words) {
+    const auto formats = [](const std::vector<const char *> &words) {
         const Command command = parsed(words);
         std::vector<Format> result;
         for (const Source &source : std::get<InfoOptions>(command).sources) {
