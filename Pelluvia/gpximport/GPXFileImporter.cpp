@@ -53,11 +53,27 @@ ErrorPtr GPXFileImporter::processFile(std::string_view filePath) {
 }
 
 ErrorPtr GPXFileImporter::processURL(const std::optional<URL> & /*url*/) {
-    return state_->process();
+    return state_->process({});
+}
+
+ErrorPtr GPXFileImporter::processDescriptor(int descriptor) {
+    return state_->process(descriptor);
+}
+
+ErrorPtr GPXFileImporter::processData(std::string_view document) {
+    return state_->process(document);
+}
+
+std::optional<GPXImportFault> GPXFileImporter::fault() const {
+    return state_->fault;
+}
+
+ReadingProgress GPXFileImporter::readingProgress() const {
+    return state_->readingProgress();
 }
 
 ErrorPtr GPXFileImporter::runParser(std::int32_t kind) {
-    return state_->runParser(kind);
+    return state_->runSinglePass(kind);
 }
 
 // An operation of the object, though it needs nothing of it.

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <Pelluvia/gpximport/GPXImportFault.h>
 #include <Pelluvia/model/GPSOutputReceiver.h>
+#include <Pelluvia/model/ReadingProgress.h>
 #include <Pelluvia/values/Error.h>
 #include <Pelluvia/values/Export.h>
 #include <Pelluvia/values/URL.h>
@@ -53,12 +55,14 @@ namespace pelluvia {
 /// Errors: the receiver's `error` is told of what stops a pass, the pass is ended, and no other
 /// follows; what was sent before stands. A structural error reaches the receiver in the domain
 /// `gpsPluginErrorDomain`, code `gpsPluginStructuralError`; what `processFile` returns is the
-/// parser's error. An exception that the receiver throws passes through to the caller. After either
-/// take a new importer for the next file: this one remembers the elements it was in, and may
-/// stumble over them.
+/// parser's error, and `fault` tells all of it. After such a failure take a new importer for the
+/// next file: this one remembers the elements it was in, and may stumble over them.
 ///
-/// Threads: none of its own; everything happens inside `processFile` or `processURL`, one import at
-/// a time. Only `fileURL` may be read and set from any thread.
+/// An exception that the receiver throws passes through to the caller, without an `endTransfer`.
+/// After it, and after a stop, the importer is as good as new.
+///
+/// Threads: none of its own; everything happens inside the `process` operations, one import at a
+/// time. Only `fileURL` may be read and set from any thread.
 class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
   public:
     /// An importer for the receiver, which it keeps; all three kinds are read. Without a receiver
@@ -85,7 +89,8 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     [[nodiscard]] std::optional<URL> fileURL() const;
     void setFileURL(std::optional<URL> newURL);
 
-    /// Sets `fileURL` to the file at the path (UTF-8) and imports it. Null when all went well.
+    /// Sets `fileURL` to the file at the path (UTF-8) and imports it. Null when all went well. A
+    /// path with a zero byte in it names no file: the import fails as for one that is missing.
     [[nodiscard]] ErrorPtr processFile(std::string_view filePath);
 
     /// Imports the file at `fileURL`. The argument is not used: set `fileURL` first, as
@@ -93,6 +98,25 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     /// then announced and empty. Without a receiver the error has the domain
     /// `gpsPluginErrorDomain`, the code `gpsPluginFailure` and no user information.
     [[nodiscard]] ErrorPtr processURL(const std::optional<URL> &url);
+
+    /// Imports the document that can be read from an open descriptor, from where it stands. It is
+    /// borrowed: it stays open, and stands where it stood. It must be that of a regular file, which
+    /// can be read several times; for any other the import fails at once, in the domain
+    /// `NSCocoaErrorDomain`, code `NSFileReadUnknownError`, and no call is made. `fileURL` is
+    /// neither used nor changed. Null when all went well.
+    [[nodiscard]] ErrorPtr processDescriptor(int descriptor);
+
+    /// Imports a document in memory, which must stay as it is until the import has ended. `fileURL`
+    /// is neither used nor changed. Null when all went well.
+    [[nodiscard]] ErrorPtr processData(std::string_view document);
+
+    /// Why the last import has failed and where, in one object; nothing when it went well, or when
+    /// none has ended yet.
+    [[nodiscard]] std::optional<GPXImportFault> fault() const;
+
+    /// How far the import is: bytes of the file, once for the counting and once for each pass. To
+    /// be asked from within the calls to the receiver, or when the import has ended.
+    [[nodiscard]] ReadingProgress readingProgress() const;
 
     /// One pass for a transfer kind (see TransferKind.h), with the counts of the last import.
     /// Returns the parser's error, or null. Called by `processURL`.
@@ -105,7 +129,8 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     /// error that is made for it reaches the receiver when the parser reports the abort.
     void abortParser(XMLParser &parser, std::string_view message);
 
-    // The parser's side.
+    // The parser's side. Elements and attributes that do not come from a parser need no numbers:
+    // names without one are looked up. A number must be one of this vocabulary.
     [[nodiscard]] XMLVocabulary vocabulary() const override;
     [[nodiscard]] XMLInterest interestIn(const XMLElement &element,
                                          std::span<const XMLElement> around) const override;

@@ -28,44 +28,50 @@ class PELLUVIA_EXPORT GPXImportCounter : public XMLParserDelegate {
     /// A new counter, reset.
     [[nodiscard]] static std::shared_ptr<GPXImportCounter> init();
 
+    GPXImportCounter();
+    GPXImportCounter(const GPXImportCounter &) = delete;
+    GPXImportCounter &operator=(const GPXImportCounter &) = delete;
+    ~GPXImportCounter() override;
+
     /// All counts 0, all flags false.
     void reset() noexcept;
 
     /// Whether some element `name`, `cmt`, `desc`, `type`, `src` or `link` was seen.
-    [[nodiscard]] bool hasName() const noexcept { return _hasName; }
-    void setHasName(bool hasName) noexcept { _hasName = hasName; }
-    [[nodiscard]] bool hasComment() const noexcept { return _hasComment; }
-    void setHasComment(bool hasComment) noexcept { _hasComment = hasComment; }
-    [[nodiscard]] bool hasDescription() const noexcept { return _hasDescription; }
-    void setHasDescription(bool hasDescription) noexcept { _hasDescription = hasDescription; }
-    [[nodiscard]] bool hasType() const noexcept { return _hasType; }
-    void setHasType(bool hasType) noexcept { _hasType = hasType; }
-    [[nodiscard]] bool hasSrc() const noexcept { return _hasSrc; }
-    void setHasSrc(bool hasSrc) noexcept { _hasSrc = hasSrc; }
-    [[nodiscard]] bool hasLink() const noexcept { return _hasLink; }
-    void setHasLink(bool hasLink) noexcept { _hasLink = hasLink; }
+    [[nodiscard]] bool hasName() const noexcept;
+    void setHasName(bool hasName) noexcept;
+    [[nodiscard]] bool hasComment() const noexcept;
+    void setHasComment(bool hasComment) noexcept;
+    [[nodiscard]] bool hasDescription() const noexcept;
+    void setHasDescription(bool hasDescription) noexcept;
+    [[nodiscard]] bool hasType() const noexcept;
+    void setHasType(bool hasType) noexcept;
+    [[nodiscard]] bool hasSrc() const noexcept;
+    void setHasSrc(bool hasSrc) noexcept;
+    [[nodiscard]] bool hasLink() const noexcept;
+    void setHasLink(bool hasLink) noexcept;
 
     /// Whether some element `wpt`, `rtept` or `trkpt` was in another namespace than those of GPX,
     /// or in none.
-    [[nodiscard]] bool hasForeignPoints() const noexcept { return _hasForeignPoints; }
+    [[nodiscard]] bool hasForeignPoints() const noexcept;
 
     /// The number of `wpt` elements.
-    [[nodiscard]] std::int32_t waypoints() const noexcept { return _waypoints; }
-    void setWaypoints(std::int32_t waypoints) noexcept { _waypoints = waypoints; }
+    [[nodiscard]] std::int32_t waypoints() const noexcept;
+    void setWaypoints(std::int32_t waypoints) noexcept;
     /// The number of `trk` elements.
-    [[nodiscard]] std::int32_t tracks() const noexcept { return _tracks; }
-    void setTracks(std::int32_t tracks) noexcept { _tracks = tracks; }
+    [[nodiscard]] std::int32_t tracks() const noexcept;
+    void setTracks(std::int32_t tracks) noexcept;
     /// The number of `trkseg` elements.
-    [[nodiscard]] std::int32_t tracksegments() const noexcept { return _tracksegments; }
-    void setTracksegments(std::int32_t tracksegments) noexcept { _tracksegments = tracksegments; }
+    [[nodiscard]] std::int32_t tracksegments() const noexcept;
+    void setTracksegments(std::int32_t tracksegments) noexcept;
     /// The number of `rte` elements.
-    [[nodiscard]] std::int32_t routes() const noexcept { return _routes; }
-    void setRoutes(std::int32_t routes) noexcept { _routes = routes; }
+    [[nodiscard]] std::int32_t routes() const noexcept;
+    void setRoutes(std::int32_t routes) noexcept;
     /// The number of `rtept` elements.
-    [[nodiscard]] std::int32_t routepoints() const noexcept { return _routepoints; }
-    void setRoutepoints(std::int32_t routepoints) noexcept { _routepoints = routepoints; }
+    [[nodiscard]] std::int32_t routepoints() const noexcept;
+    void setRoutepoints(std::int32_t routepoints) noexcept;
 
-    // The parser's side: nothing but the names that count is asked for.
+    // The parser's side: nothing but the names that count is asked for. Elements that do not come
+    // from a parser need no numbers: names without one are looked up.
     [[nodiscard]] XMLVocabulary vocabulary() const override;
     [[nodiscard]] XMLInterest interestIn(const XMLElement &element,
                                          std::span<const XMLElement> around) const override;
@@ -74,20 +80,9 @@ class PELLUVIA_EXPORT GPXImportCounter : public XMLParserDelegate {
                          const XMLAttributes &attributes) override;
 
   private:
-    void noteNamespace(const XMLElement &point) noexcept;
+    struct State;
 
-    bool _hasName = false;
-    bool _hasComment = false;
-    bool _hasDescription = false;
-    bool _hasType = false;
-    bool _hasSrc = false;
-    bool _hasLink = false;
-    bool _hasForeignPoints = false;
-    std::int32_t _waypoints = 0;
-    std::int32_t _tracks = 0;
-    std::int32_t _tracksegments = 0;
-    std::int32_t _routes = 0;
-    std::int32_t _routepoints = 0;
+    std::unique_ptr<State> state_;
 };
 
 } // namespace pelluvia

@@ -1,5 +1,6 @@
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 
+#include <cstddef>
 #include <gtest/gtest.h>
 #include <set>
 #include <string_view>
@@ -46,6 +47,19 @@ TEST(GPXVocabulary, ReadsTheParsersNumbers) {
     element.namespaceNumber = 5;
     EXPECT_EQ(nameOf(element), Name::Wpt);
     EXPECT_EQ(namespaceOf(element), Namespace::GPX10);
+}
+
+TEST(GPXVocabulary, FindsEveryNameByItsText) {
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        EXPECT_EQ(nameOf(names[i]), static_cast<Name>(i + 1));
+    }
+    for (std::size_t i = 0; i < namespaces.size(); ++i) {
+        EXPECT_EQ(namespaceOf(namespaces[i]), static_cast<Namespace>(i + 1));
+    }
+    for (const std::string_view other : {"", "WPT", "wp", "wpts", "\xFF"}) {
+        EXPECT_EQ(nameOf(other), Name::Other);
+        EXPECT_EQ(namespaceOf(other), Namespace::Other);
+    }
 }
 
 } // namespace

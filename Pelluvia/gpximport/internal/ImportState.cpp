@@ -8,6 +8,7 @@
 #include <Pelluvia/system/Log.h>
 #include <Pelluvia/values/CocoaErrors.h>
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -30,13 +31,11 @@ ErrorPtr stopError() {
         {{std::string(NSLocalizedDescriptionKey), localized("The import was stopped")}});
 }
 
-std::unique_ptr<XMLParser> parserOf(const std::optional<URL> &url, XMLParserDelegate &delegate) {
-    auto parser = XMLParser::initWithContentsOfURL(url);
-    if (parser != nullptr) {
-        parser->setShouldResolveExternalEntities(true);
-        parser->setDelegate(&delegate);
-    }
-    return parser;
+ErrorPtr rereadingError() {
+    return Error::make(
+        NSCocoaErrorDomain, NSFileReadUnknownError,
+        {{std::string(NSLocalizedDescriptionKey),
+          localized("The descriptor is not that of a file, which could be read several times")}});
 }
 
 /// The number of items that a transfer of this kind is announced with.
@@ -85,7 +84,13 @@ void GPXFileImporter::State::setFileURL(std::optional<URL> newURL) {
     _fileURL.swap(newURL); // the old one is destroyed outside the lock
 }
 
-ErrorPtr GPXFileImporter::State::process() {
+ErrorPtr GPXFileImporter::State::process(Source newSource) {
+    fault.reset();
+    source = newSource;
+    parses = 1U + static_cast<unsigned>(doRoutes) + static_cast<unsigned>(doWaypoints) +
+             static_cast<unsigned>(doTracks);
+    bytesBefore = 0;
+    sourceSize.reset();
     /// What is known is of one import; and one that was cut short leaves no elements behind.
     struct Forgetting {
         explicit Forgetting(State &itsState) : state(itsState) {}
@@ -94,6 +99,8 @@ ErrorPtr GPXFileImporter::State::process() {
         ~Forgetting() {
             state.leavesOut = false;
             state.countedFile = {};
+            state.reader = nullptr;
+            state.source = {};
             if (std::uncaught_exceptions() > exceptions ||
                 state.elements.stopToken.stop_requested()) {
                 state.elements.forgetElements();
@@ -103,8 +110,40 @@ ErrorPtr GPXFileImporter::State::process() {
         int exceptions = std::uncaught_exceptions();
     };
     const Forgetting atTheEnd(*this);
+    ErrorPtr error = countAndRunPasses();
+    if (error != nullptr) {
+        fault = faultOf(*error);
+    }
+    return error;
+}
+
+ErrorPtr GPXFileImporter::State::countAndRunPasses() {
+    const auto *const descriptor = std::get_if<int>(&source);
+    if (descriptor != nullptr && !XMLParser::initWithDescriptor(*descriptor)->sourceSize()) {
+        return rereadingError();
+    }
     countElements();
     return runParsers();
+}
+
+GPXImportFault GPXFileImporter::State::faultOf(const Error &error) const {
+    GPXImportFault found;
+    const bool isAbort = error.domain() == NSXMLParserErrorDomain &&
+                         error.code() == NSXMLParserDelegateAbortedParseError;
+    if (isAbort && elements.lastError != nullptr) {
+        found.message = elements.lastError->localizedDescription();
+    } else if (elements.output == nullptr) {
+        found.message = localized("There is no receiver");
+    } else {
+        found.message = error.localizedDescription();
+    }
+    const auto url = fileURL();
+    if (std::holds_alternative<std::monostate>(source) && url) {
+        found.path = url->path();
+    }
+    found.line = error.integer(NSXMLParserErrorLineNumber);
+    found.column = error.integer(NSXMLParserErrorColumn);
+    return found;
 }
 
 ErrorPtr GPXFileImporter::State::runParsers() {
@@ -162,7 +201,7 @@ void GPXFileImporter::State::collectLeftOut() {
     const Unheard unheard(elements);
     elements.nesting() = ElementHandler::Nesting(); // as it was before that pass
     leavesOut = false;
-    const auto parser = parserOfFile();
+    const auto parser = parserForElements();
     [[maybe_unused]] const bool isWhole = parser != nullptr && parser->parse();
 }
 
@@ -170,7 +209,7 @@ void GPXFileImporter::State::countElements() {
     counters = std::make_shared<StoppableCounter>(elements.stopToken);
     countedURL = fileURL();
     const auto parser = parserOf(countedURL, *counters);
-    const bool isWhole = parser != nullptr && parser->parse();
+    const bool isWhole = parser != nullptr && parse(*parser);
     if (!isWhole && !elements.stopToken.stop_requested()) {
         const ErrorPtr error = parser != nullptr ? parser->parserError() : nullptr;
         logLine("parse error, but continuing, since it might be readible (error = " +
@@ -179,7 +218,24 @@ void GPXFileImporter::State::countElements() {
     countedFile = parser != nullptr ? parser->knownFile() : XMLKnownFile();
 }
 
-std::unique_ptr<XMLParser> GPXFileImporter::State::parserOfFile() {
+std::unique_ptr<XMLParser> GPXFileImporter::State::parserOf(const std::optional<URL> &url,
+                                                            XMLParserDelegate &delegate) const {
+    std::unique_ptr<XMLParser> parser;
+    if (const auto *const document = std::get_if<std::string_view>(&source)) {
+        parser = XMLParser::initWithData(*document);
+    } else if (const auto *const descriptor = std::get_if<int>(&source)) {
+        parser = XMLParser::initWithDescriptor(*descriptor);
+    } else {
+        parser = XMLParser::initWithContentsOfURL(url);
+    }
+    if (parser != nullptr) {
+        parser->setShouldResolveExternalEntities(true);
+        parser->setDelegate(&delegate);
+    }
+    return parser;
+}
+
+std::unique_ptr<XMLParser> GPXFileImporter::State::parserForElements() {
     const auto readURL = fileURL();
     auto parser = parserOf(readURL, importer_);
     const bool isCounted = parser != nullptr && readURL == countedURL;
@@ -191,6 +247,44 @@ std::unique_ptr<XMLParser> GPXFileImporter::State::parserOfFile() {
     return parser;
 }
 
+bool GPXFileImporter::State::parse(XMLParser &parser) {
+    /// Also when the receiver throws, the parser is gone afterwards.
+    struct Reading {
+        Reading(State &itsState, const XMLParser &itsParser) : state(itsState), parser(itsParser) {
+            state.reader = &parser;
+        }
+        Reading(const Reading &) = delete;
+        Reading &operator=(const Reading &) = delete;
+        ~Reading() {
+            const auto size = parser.sourceSize();
+            state.reader = nullptr;
+            state.sourceSize = size ? size : state.sourceSize;
+            state.bytesBefore += parser.bytesRead();
+        }
+        State &state;
+        const XMLParser &parser;
+    };
+    const Reading reading(*this, parser);
+    return parser.parse();
+}
+
+ReadingProgress GPXFileImporter::State::readingProgress() const {
+    ReadingProgress progress;
+    progress.position = bytesBefore + (reader != nullptr ? reader->bytesRead() : 0);
+    auto size = reader != nullptr ? reader->sourceSize() : std::nullopt;
+    size = size ? size : sourceSize;
+    if (size) {
+        progress.size = std::max(*size * parses, progress.position);
+    }
+    return progress;
+}
+
+ErrorPtr GPXFileImporter::State::runSinglePass(std::int32_t kind) {
+    parses = 1;
+    bytesBefore = 0;
+    return runParser(kind);
+}
+
 ErrorPtr GPXFileImporter::State::runParser(std::int32_t kind) {
     recno = 0;
     elements.mode = kind;
@@ -199,14 +293,14 @@ ErrorPtr GPXFileImporter::State::runParser(std::int32_t kind) {
     if (stopToken.stop_requested()) {
         return stopError();
     }
-    const auto parser = parserOfFile();
+    const auto parser = parserForElements();
 
     if (elements.output != nullptr) {
         Dictionary extra;
         extra.set(extras::count, Value(expectedCount(counters.get(), kind)));
         elements.output->startTransfer(nullptr, kind, &extra);
     }
-    const bool failed = parser != nullptr && !stopToken.stop_requested() && !parser->parse();
+    const bool failed = parser != nullptr && !stopToken.stop_requested() && !parse(*parser);
     const bool wasStopped = stopToken.stop_requested();
     if (elements.output != nullptr) {
         elements.output->endTransfer(kind);
