@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Pelluvia/values/RecordEncoding.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -25,6 +27,12 @@ static_assert(sizeof(GPSPoint) == 40);
 static_assert(offsetof(GPSPoint, latitude) == 0 && offsetof(GPSPoint, longitude) == 8 &&
               offsetof(GPSPoint, altitude) == 16 && offsetof(GPSPoint, time) == 24 &&
               offsetof(GPSPoint, test) == 32);
+
+/// Three 64-bit floats and two signed 64-bit integers.
+template <>
+struct RecordEncoding<GPSPoint> {
+    static constexpr const char *value = "{?=dddqq}";
+};
 
 /// Where real latitudes end, with some room. The comparison is one-sided and strict on both sides
 /// of its use: a track point *above* it has no position, a lap's end point is written only *below*

@@ -8,6 +8,9 @@
 /// The names that every process uses as dictionary keys. They are numbered at compile time, so that
 /// a dictionary entry needs four bytes for its key and no lookup. What a name means is documented
 /// with its constant in `Pelluvia/model/ExtrasKeys.h`; add a name here before you add one there.
+///
+/// The numbers are compiled into every program that uses the keys. So a name keeps its place for
+/// ever: new ones are added behind all others, and none is taken out.
 
 namespace pelluvia {
 

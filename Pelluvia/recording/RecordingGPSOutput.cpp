@@ -57,14 +57,15 @@ Dictionary *RecordingGPSOutput::lastRoutePoint() const noexcept {
     return lastPointOf(routeData);
 }
 
-void RecordingGPSOutput::appendArrayData(Value object, const Key &key) {
+bool RecordingGPSOutput::appendArrayData(Value object, const Key &key) {
     if (!_receivedData) {
         _receivedData = Ref<Dictionary>::make();
     }
-    if (_receivedData->array(key) == nullptr) {
-        _receivedData->set(key, Value(Ref<Array>::make()));
+    if (_receivedData->array(key) == nullptr && !_receivedData->set(key, Ref<Array>::make())) {
+        return false;
     }
     _receivedData->array(key)->append(std::move(object));
+    return true;
 }
 
 void RecordingGPSOutput::fileTrack() {

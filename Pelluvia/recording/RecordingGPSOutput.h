@@ -107,8 +107,10 @@ class PELLUVIA_EXPORT RecordingGPSOutput : public GPSOutputReceiver,
     /// The newest point of the open track or route, or null. Borrowed.
     [[nodiscard]] Dictionary *lastTrackPoint() const noexcept;
     [[nodiscard]] Dictionary *lastRoutePoint() const noexcept;
-    /// Appends an object to the array under a key of the recording; makes both if need be.
-    void appendArrayData(Value object, const Key &key);
+    /// Appends an object to the array under a key of the recording; makes both if need be. False,
+    /// and the object is not stored, where the recording has no room for a further key; for the
+    /// keys of `recordedData` it always has.
+    bool appendArrayData(Value object, const Key &key);
 
     /// A summary of what is filed, in this order: how often the thinning's direction and position
     /// tests fired, the numbers of tracks, routes, waypoints, points of interest and laps, and,

@@ -4,6 +4,12 @@
 
 namespace pelluvia {
 
+Array::Array(std::initializer_list<Value> values) {
+    for (const Value &value : values) {
+        append(value);
+    }
+}
+
 Array &Array::operator=(const Array &other) {
     Array copy(other); // first: `other` may be this one, or live in a value of ours
     dictionaries_.swap(copy.dictionaries_);

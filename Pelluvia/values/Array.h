@@ -7,6 +7,7 @@
 #include <Pelluvia/values/Value.h>
 
 #include <cstddef>
+#include <initializer_list>
 #include <utility>
 #include <vector>
 
@@ -22,6 +23,8 @@ class PELLUVIA_EXPORT Array : public RefCounted<Array> {
     using Iterator = IndexIterator<Array, Value>;
 
     Array() = default;
+    /// The values, as if each were appended in turn.
+    Array(std::initializer_list<Value> values);
     Array(const Array &) = default;
     Array &operator=(const Array &other);
     ~Array();

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <memory>
 #include <new>
-#include <stdexcept>
 
 namespace pelluvia {
 
@@ -45,6 +44,13 @@ void Dictionary::operator delete(void *memory) noexcept {
     std::free(memory);
 } // NOLINT
 
+Dictionary::Dictionary(std::initializer_list<Entry> entries) : Dictionary() {
+    moveTo(entries.size());
+    for (const Entry &entry : entries) {
+        set(entry.key, entry.value);
+    }
+}
+
 Dictionary::Dictionary(const Dictionary &other) : Dictionary() {
     copyFrom(other);
 }
@@ -73,7 +79,7 @@ void Dictionary::copyFrom(const Dictionary &other) {
     }
 }
 
-Ref<Dictionary> Dictionary::wrappingBytes(const void *bytes, const std::type_info &type,
+Ref<Dictionary> Dictionary::wrappingBytes(const void *bytes, const char *encoding,
                                           const Dictionary *entries) {
     std::size_t count = 0; // of entries beside the record
     if (entries != nullptr) {
@@ -81,13 +87,13 @@ Ref<Dictionary> Dictionary::wrappingBytes(const void *bytes, const std::type_inf
     }
     if (count >= notCompact) {
         auto ordinary = Ref<Dictionary>::make(*entries);
-        ordinary->set(recordKey, Value::wrappingBytes(bytes, maxRecordSize, type));
+        ordinary->set(recordKey, Value::wrappingBytes(bytes, maxRecordSize, encoding));
         return ordinary;
     }
 
     void *memory = allocate(sizeof(Dictionary) + maxRecordSize + count * sizeof(Entry));
     Ref<Dictionary> made(new (memory) Dictionary);
-    made->recordType_ = &type;
+    made->recordEncoding_ = encoding;
     made->recordPosition_ = static_cast<std::uint8_t>(count);
     made->compactCapacity_ = static_cast<std::uint8_t>(count);
     std::memcpy(made->recordBytes(), bytes, maxRecordSize);
@@ -110,7 +116,7 @@ Ref<Dictionary> Dictionary::wrappingBytes(const void *bytes, const std::type_inf
 
 Value Dictionary::find(const Key &key) const {
     if (isCompact() && key == recordKey) {
-        return Value::wrappingBytes(recordBytes(), maxRecordSize, *recordType_);
+        return Value::wrappingBytes(recordBytes(), maxRecordSize, recordEncoding_);
     }
     const Value *value = stored(key);
     return value != nullptr ? *value : Value();
@@ -127,22 +133,27 @@ Dictionary::Entry Dictionary::at(std::size_t position) const {
     return slots()[isCompact() && position > recordPosition_ ? position - 1 : position];
 }
 
-void Dictionary::set(Key key, Value value) {
+bool Dictionary::set(Key key, Value value) {
     if (value.isNil()) {
-        return remove(key);
+        remove(key);
+        return true;
     }
     if (isCompact() && key == recordKey) {
         moveTo(size()); // in an ordinary dictionary any value can take the record's place
     }
     if (Entry *slot = slotOf(key)) {
         slot->value = std::move(value);
-        return;
+        return true;
+    }
+    if (size() >= (key.isKnown() ? mostSlots : maxSize)) {
+        return false;
     }
     if (slotCount_ == capacity()) {
         constexpr std::size_t least = 4;
         moveTo(std::max(least, size() * 2));
     }
     append(std::move(key), std::move(value));
+    return true;
 }
 
 void Dictionary::remove(const Key &key) {
@@ -188,11 +199,8 @@ void Dictionary::append(Key key, Value value) noexcept {
 
 void Dictionary::moveTo(std::size_t capacity) {
     const std::size_t count = size();
-    if (count >= maxSize) {
-        throw std::length_error("a dictionary holds at most 65535 entries");
-    }
     const Value record = isCompact() ? find(recordKey) : Value();
-    Block *block = Block::make(std::min(capacity, maxSize));
+    Block *block = Block::make(std::min(capacity, mostSlots));
     Entry *source = slots();
     for (std::size_t position = 0; position < count; ++position) {
         if (isCompact() && position == recordPosition_) {

@@ -8,10 +8,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string_view>
 #include <type_traits>
-#include <typeinfo>
 #include <utility>
 
 namespace pelluvia {
@@ -19,8 +19,8 @@ namespace pelluvia {
 /// A dictionary of values under string keys, in the order in which the keys were added. Made for
 /// the handful of entries that a GPS point carries: a flat list, searched from the front.
 ///
-///     Dictionary values;
-///     values.set(extras::hr, Value(120));
+///     Dictionary values{{extras::hr, 120}, {extras::sensor, "belt"}};
+///     values.set(extras::temp, 21.5F);
 ///     receiver.trackPoint(point, &values);
 ///
 /// Ownership: an object. It stands on the stack or in a member when one piece of code uses it, and
@@ -49,22 +49,24 @@ class PELLUVIA_EXPORT Dictionary : public RefCounted<Dictionary> {
     static constexpr Key recordKey = Key::known("point");
     /// The most bytes that such a record has.
     static constexpr std::size_t maxRecordSize = 40;
-    /// The most entries of a dictionary; `set` throws `std::length_error` beyond.
-    static constexpr std::size_t maxSize = 65'535;
+    /// The most entries with which a dictionary takes another key of a name of your own. Known keys
+    /// always find room, so that whatever a caller fills can still be recorded and passed on.
+    static constexpr std::size_t maxSize = 65'000;
 
     /// Empty. Provided by hand, so that a constant one can be declared without braces.
     Dictionary() noexcept {} // NOLINT(modernize-use-equals-default)
+    /// The entries, as if each were `set` in turn.
+    Dictionary(std::initializer_list<Entry> entries);
     Dictionary(const Dictionary &other);
     Dictionary &operator=(const Dictionary &other);
     ~Dictionary();
 
     /// A copy of `entries` (null: none) with the record wrapped under `recordKey`, in the place of
-    /// an earlier value of that key or behind all others. Throws `std::length_error` where it would
-    /// be one entry too many.
+    /// an earlier value of that key or behind all others.
     template <class Record>
     [[nodiscard]] static Ref<Dictionary> wrapping(const Record &record, const Dictionary *entries) {
         static_assert(std::is_trivially_copyable_v<Record> && sizeof(Record) == maxRecordSize);
-        return wrappingBytes(&record, typeid(Record), entries);
+        return wrappingBytes(&record, RecordEncoding<Record>::value, entries);
     }
 
     /// The value under the key; nil when there is none.
@@ -92,7 +94,8 @@ class PELLUVIA_EXPORT Dictionary : public RefCounted<Dictionary> {
     template <class Record>
     [[nodiscard]] const Record *record(const Key &key) const noexcept {
         if (isCompact() && key == recordKey) {
-            return *recordType_ == typeid(Record)
+            return sizeof(Record) == maxRecordSize &&
+                           isSameEncoding(recordEncoding_, RecordEncoding<Record>::value)
                        ? reinterpret_cast<const Record *>(recordBytes()) // NOLINT
                        : nullptr;
         }
@@ -101,8 +104,9 @@ class PELLUVIA_EXPORT Dictionary : public RefCounted<Dictionary> {
     }
 
     /// Puts the value under the key, in the place of an earlier one of that key or behind all
-    /// others. Setting nil removes the key.
-    void set(Key key, Value value);
+    /// others. Setting nil, a null text among it, removes the key. False, and nothing is changed,
+    /// where there is no room for a further key (see `maxSize`).
+    bool set(Key key, Value value);
     /// Removes the key if it is there.
     void remove(const Key &key);
     /// Removes everything and keeps the memory, so that a dictionary that is filled again and again
@@ -126,8 +130,8 @@ class PELLUVIA_EXPORT Dictionary : public RefCounted<Dictionary> {
     /// What a dictionary that `wrapping` did not make allocates for its slots.
     struct Block;
 
-    [[nodiscard]] static Ref<Dictionary>
-    wrappingBytes(const void *bytes, const std::type_info &type, const Dictionary *entries);
+    [[nodiscard]] static Ref<Dictionary> wrappingBytes(const void *bytes, const char *encoding,
+                                                       const Dictionary *entries);
 
     [[nodiscard]] bool isCompact() const noexcept { return recordPosition_ != notCompact; }
     // The memory behind a compact dictionary: the record, then the slots.
@@ -160,6 +164,8 @@ class PELLUVIA_EXPORT Dictionary : public RefCounted<Dictionary> {
     void copyFrom(const Dictionary &other);
 
     static constexpr std::uint8_t notCompact = 255;
+    static constexpr std::size_t mostSlots = 65'535; // what the slots' count can tell
+    static_assert(knownKeyNames.size() <= mostSlots - maxSize, "each finds room");
 
     // These stand behind the four bytes of the owners' count.
     std::uint8_t recordPosition_ = notCompact; // of the record among the entries
@@ -167,7 +173,7 @@ class PELLUVIA_EXPORT Dictionary : public RefCounted<Dictionary> {
     std::uint16_t slotCount_ = 0;
     union {
         Entry *slots_ = nullptr;
-        const std::type_info *recordType_; // of a compact dictionary
+        const char *recordEncoding_; // of a compact dictionary
     };
 };
 

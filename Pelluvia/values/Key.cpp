@@ -17,7 +17,7 @@ class KeyPool {
         const std::scoped_lock lock(mutex_);
         if (const auto found = positions_.find(name); found != positions_.end()) {
             ++names_[found->second].owners;
-            return id(found->second);
+            return number(found->second);
         }
         // Where memory runs out here the place is still the first free one.
         const std::uint32_t position = firstFreePosition();
@@ -26,28 +26,28 @@ class KeyPool {
         positions_.emplace(place.text, position);
         place.owners = 1;
         firstFree_ = place.nextFree;
-        return id(position);
+        return number(position);
     }
 
-    void retain(std::uint32_t id) {
+    void retain(std::uint32_t number) {
         const std::scoped_lock lock(mutex_);
-        ++names_[position(id)].owners;
+        ++names_[position(number)].owners;
     }
 
-    void release(std::uint32_t id) {
+    void release(std::uint32_t number) {
         const std::scoped_lock lock(mutex_);
-        Name &name = names_[position(id)];
+        Name &name = names_[position(number)];
         if (--name.owners == 0) {
             positions_.erase(name.text);
             std::string().swap(name.text); // an assignment would keep the memory
             name.nextFree = firstFree_;
-            firstFree_ = position(id);
+            firstFree_ = position(number);
         }
     }
 
-    std::string_view name(std::uint32_t id) {
+    std::string_view name(std::uint32_t number) {
         const std::scoped_lock lock(mutex_);
-        return names_[position(id)].text;
+        return names_[position(number)].text;
     }
 
   private:
@@ -67,12 +67,10 @@ class KeyPool {
         return firstFree_;
     }
 
-    static std::uint32_t id(std::uint32_t position) {
-        return position + static_cast<std::uint32_t>(knownKeyNames.size());
+    static std::uint32_t number(std::uint32_t position) {
+        return position + Key::firstPooledNumber;
     }
-    static std::uint32_t position(std::uint32_t id) {
-        return id - static_cast<std::uint32_t>(knownKeyNames.size());
-    }
+    static std::uint32_t position(std::uint32_t number) { return number - Key::firstPooledNumber; }
 
     std::mutex mutex_;
     std::deque<Name> names_; // a deque: the texts that `positions_` refers to never move
@@ -90,26 +88,29 @@ KeyPool &pool() {
 
 } // namespace
 
-Key::Key(std::string_view name) : id_(0) {
-    for (std::uint32_t id = 0; id < knownKeyNames.size(); ++id) {
-        if (knownKeyNames[id] == name) {
-            id_ = id;
+Key::Key(std::string_view name) : number_(0) {
+    for (std::uint32_t number = 0; number < knownKeyNames.size(); ++number) {
+        if (knownKeyNames[number] == name) {
+            number_ = number;
             return;
         }
     }
-    id_ = pool().acquire(name);
+    number_ = pool().acquire(name);
 }
 
 std::string_view Key::name() const {
-    return isPooled() ? pool().name(id_) : knownKeyNames[id_];
+    if (isPooled()) {
+        return pool().name(number_);
+    }
+    return number_ < knownKeyNames.size() ? knownKeyNames[number_] : std::string_view();
 }
 
 void Key::retainPooled() const noexcept {
-    pool().retain(id_);
+    pool().retain(number_);
 }
 
 void Key::releasePooled() const noexcept {
-    pool().release(id_);
+    pool().release(number_);
 }
 
 } // namespace pelluvia

@@ -79,7 +79,10 @@ class Ref {
 
     [[nodiscard]] T *get() const noexcept { return object_; }
     T *operator->() const noexcept { return object_; }
-    T &operator*() const noexcept { return *object_; }
+    /// Not of a temporary reference: in `for (auto value : *recorder.processingTelemetry())` the
+    /// object would be gone before the first value is read. Give the reference a name.
+    T &operator*() const &noexcept { return *object_; }
+    T &operator*() const && = delete;
     explicit operator bool() const noexcept { return object_ != nullptr; }
 
     /// Gives the ownership away as a bare pointer; the caller must give it back with `adopt`.

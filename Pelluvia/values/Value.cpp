@@ -70,25 +70,35 @@ class Value::Text : public RefCounted<Value::Text> {
 /// An immutable copy of a plain record, with its type.
 class Value::RecordBox : public RefCounted<Value::RecordBox> {
   public:
-    static const RecordBox *make(const void *bytes, std::size_t size, const std::type_info &type) {
-        auto *box = new (allocateWithTail<RecordBox>(size)) RecordBox(type);
+    static const RecordBox *make(const void *bytes, std::size_t size, const char *encoding) {
+        auto *box = new (allocateWithTail<RecordBox>(size)) RecordBox(size, encoding);
         std::memcpy(static_cast<void *>(box + 1), bytes, size);
         return box;
     }
     static void operator delete(void *memory) { std::free(memory); } // NOLINT
 
     [[nodiscard]] const void *bytes() const noexcept { return this + 1; }
-    [[nodiscard]] const std::type_info &type() const noexcept { return *type_; }
+    [[nodiscard]] const char *encoding() const noexcept { return encoding_; }
+    [[nodiscard]] bool isOf(std::size_t size, const char *encoding) const noexcept {
+        return size_ == size && isSameEncoding(encoding_, encoding);
+    }
 
   private:
-    explicit RecordBox(const std::type_info &type) noexcept : type_(&type) {}
+    RecordBox(std::size_t size, const char *encoding) noexcept : encoding_(encoding), size_(size) {}
 
-    const std::type_info *type_;
+    const char *encoding_;
+    std::size_t size_;
 };
 
 Value::Value(std::string_view text) : kind_(Kind::String) {
     bits_.text = Text::make(text);
     retainObject();
+}
+
+Value::Value(const char *text) : Value() {
+    if (text != nullptr) {
+        *this = Value(std::string_view(text));
+    }
 }
 
 void Value::assign(std::string_view text) {
@@ -106,18 +116,18 @@ void Value::assign(std::string_view text) {
     }
 }
 
-Value::Value(Ref<Array> array) noexcept : kind_(array ? Kind::Array : Kind::Nil) {
+Value::Value(Ref<Array> array) noexcept : kind_(array ? Kind::Array : Kind::None) {
     bits_.array = array.leak();
 }
 
 Value::Value(Ref<Dictionary> dictionary) noexcept
-    : kind_(dictionary ? Kind::Dictionary : Kind::Nil) {
+    : kind_(dictionary ? Kind::Dictionary : Kind::None) {
     bits_.dictionary = dictionary.leak();
 }
 
-Value Value::wrappingBytes(const void *bytes, std::size_t size, const std::type_info &type) {
+Value Value::wrappingBytes(const void *bytes, std::size_t size, const char *encoding) {
     Value value;
-    value.bits_.record = RecordBox::make(bytes, size, type);
+    value.bits_.record = RecordBox::make(bytes, size, encoding);
     value.kind_ = Kind::Record;
     value.retainObject();
     return value;
@@ -155,8 +165,12 @@ Dictionary *Value::dictionary() const noexcept {
     return kind_ == Kind::Dictionary ? bits_.dictionary : nullptr;
 }
 
-const void *Value::unwrapBytes(const std::type_info &type) const noexcept {
-    if (kind_ != Kind::Record || bits_.record->type() != type) {
+const char *Value::recordEncoding() const noexcept {
+    return kind_ == Kind::Record ? bits_.record->encoding() : nullptr;
+}
+
+const void *Value::unwrapBytes(std::size_t size, const char *encoding) const noexcept {
+    if (kind_ != Kind::Record || !bits_.record->isOf(size, encoding)) {
         return nullptr;
     }
     return bits_.record->bytes();

@@ -2,14 +2,15 @@
 
 #include <Pelluvia/values/Export.h>
 #include <Pelluvia/values/Number.h>
+#include <Pelluvia/values/RecordEncoding.h>
 #include <Pelluvia/values/Ref.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <type_traits>
-#include <typeinfo>
 #include <utility>
 
 namespace pelluvia {
@@ -18,7 +19,10 @@ class Array;
 class Dictionary;
 
 /// What a dictionary or an array holds: a number, a string, a wrapped plain record, an array, a
-/// dictionary, or nothing (nil).
+/// dictionary, or nothing (nil). Each of these converts to a value where one is expected:
+///
+///     track.set(extras::name, "Morning ride");
+///     track.set(extras::points, Ref<Array>::make());
 ///
 /// Copying is cheap: strings and records are immutable and shared; arrays and dictionaries are
 /// objects, so a copied value refers to the same one. A value that was moved from is nil.
@@ -30,7 +34,7 @@ class Dictionary;
 class PELLUVIA_EXPORT Value {
   public:
     enum class Kind : std::uint8_t {
-        Nil,
+        None, // nil
         Integer,
         Float,
         Double,
@@ -42,26 +46,35 @@ class PELLUVIA_EXPORT Value {
 
     /// nil.
     Value() noexcept = default;
-    explicit Value(std::int32_t value) noexcept : Value(std::int64_t{value}) {}
-    explicit Value(std::int64_t value) noexcept : kind_(Kind::Integer) { bits_.integer = value; }
-    explicit Value(float value) noexcept : kind_(Kind::Float) { bits_.single = value; }
-    explicit Value(double value) noexcept : kind_(Kind::Double) { bits_.real = value; }
+    Value(std::nullptr_t) noexcept {}
+    /// Any integer, or `bool` (0 or 1), as 64 bits: an unsigned one from 2^63 on becomes the
+    /// largest signed one.
+    template <IntegerLike Integer>
+    Value(Integer value) noexcept : kind_(Kind::Integer) {
+        bits_.integer = saturatedInt64(value);
+    }
+    Value(float value) noexcept : kind_(Kind::Float) { bits_.single = value; }
+    Value(double value) noexcept : kind_(Kind::Double) { bits_.real = value; }
     /// A copy of the text, which should be UTF-8 and may hold NULs.
-    explicit Value(std::string_view text);
+    Value(std::string_view text);
+    Value(const std::string &text) : Value(std::string_view(text)) {}
+    /// The same of a text that ends before its first NUL; a null pointer makes nil.
+    Value(const char *text);
     /// Refers to the array; a null reference makes nil.
-    explicit Value(Ref<Array> array) noexcept;
+    Value(Ref<Array> array) noexcept;
     /// Refers to the dictionary; a null reference makes nil.
-    explicit Value(Ref<Dictionary> dictionary) noexcept;
+    Value(Ref<Dictionary> dictionary) noexcept;
     /// Wraps a copy of a plain record, which `unwrap` of the same type gives back byte for byte.
+    /// The type has a `RecordEncoding`.
     template <class Record>
     [[nodiscard]] static Value wrapping(const Record &record) {
         static_assert(std::is_trivially_copyable_v<Record> && alignof(Record) <= 8);
-        return wrappingBytes(&record, sizeof record, typeid(Record));
+        return wrappingBytes(&record, sizeof record, RecordEncoding<Record>::value);
     }
 
     Value(const Value &other) noexcept;
     Value(Value &&other) noexcept
-        : bits_(other.bits_), kind_(std::exchange(other.kind_, Kind::Nil)) {}
+        : bits_(other.bits_), kind_(std::exchange(other.kind_, Kind::None)) {}
     // By value: what is let go may be the container that holds the new value.
     Value &operator=(Value other) noexcept {
         std::swap(bits_, other.bits_);
@@ -79,7 +92,7 @@ class PELLUVIA_EXPORT Value {
     void assign(std::string_view text);
 
     [[nodiscard]] Kind kind() const noexcept { return kind_; }
-    [[nodiscard]] bool isNil() const noexcept { return kind_ == Kind::Nil; }
+    [[nodiscard]] bool isNil() const noexcept { return kind_ == Kind::None; }
 
     /// The number, or nothing when this is not one.
     [[nodiscard]] std::optional<Number> number() const noexcept;
@@ -90,8 +103,11 @@ class PELLUVIA_EXPORT Value {
     /// shares it lives.
     template <class Record>
     [[nodiscard]] const Record *unwrap() const noexcept {
-        return static_cast<const Record *>(unwrapBytes(typeid(Record)));
+        return static_cast<const Record *>(
+            unwrapBytes(sizeof(Record), RecordEncoding<Record>::value));
     }
+    /// The encoding of the wrapped record, or null when this wraps none (see `RecordEncoding`).
+    [[nodiscard]] const char *recordEncoding() const noexcept;
     /// The array, or null when this is not one. Borrowed: make a `Ref` to keep it.
     [[nodiscard]] Array *array() const noexcept;
     /// The dictionary, or null when this is not one. Borrowed: make a `Ref` to keep it.
@@ -103,8 +119,8 @@ class PELLUVIA_EXPORT Value {
     class RecordBox;
 
     [[nodiscard]] static Value wrappingBytes(const void *bytes, std::size_t size,
-                                             const std::type_info &type);
-    [[nodiscard]] const void *unwrapBytes(const std::type_info &type) const noexcept;
+                                             const char *encoding);
+    [[nodiscard]] const void *unwrapBytes(std::size_t size, const char *encoding) const noexcept;
     void retainObject() const noexcept;
     void releaseObject() const noexcept;
 
@@ -118,7 +134,7 @@ class PELLUVIA_EXPORT Value {
         Dictionary *dictionary;
     } bits_{};
     // Last, so that a dictionary entry can keep its key in the padding behind it.
-    Kind kind_ = Kind::Nil;
+    Kind kind_ = Kind::None;
 };
 
 } // namespace pelluvia

@@ -160,7 +160,7 @@ TEST_F(Exporter, WaypointsInAnOpenRouteAreItsPoints) {
 TEST_F(Exporter, OnlyTheEndsOfTracksAndRoutesCloseSomething) {
     exporter->newRoute(nullptr);
     exporter->newTrackSegment();
-    for (const int kind : {transferKind::waypoints, 0, -1, 4, transferKind::tracks}) {
+    for (const int kind : {int{transferKind::waypoints}, 0, -1, 4, int{transferKind::tracks}}) {
         exporter->endTransfer(kind);
     }
     exporter->wayPoint(somewhere, nullptr);

@@ -309,22 +309,54 @@ TEST(RecordingGPSOutput, ItsOwnDictionariesMayComeBackAsExtras) {
     EXPECT_EQ(pointCount(recorder->currentTrack()), 2U);
 }
 
-TEST(RecordingGPSOutput, APointThatCannotBeStoredChangesNothing) {
-    Dictionary full;
-    for (std::size_t i = 0; i < Dictionary::maxSize; ++i) {
-        full.set(Key(std::to_string(i)), Value(1));
-    }
+/// A dictionary that takes no further key of a name of its own. Filled once, since that takes long.
+const Dictionary &fullDictionary() {
+    static const Dictionary filled = [] {
+        Dictionary made;
+        for (std::size_t i = 0; i < Dictionary::maxSize; ++i) {
+            made.set(Key(std::to_string(i)), Value(1));
+        }
+        return made;
+    }();
+    return filled;
+}
+
+TEST(RecordingGPSOutput, RecordsWhatComesWithAsManyExtrasAsADictionaryTakes) {
+    const Dictionary &full = fullDictionary();
     const auto recorder = RecordingGPSOutput::recorder();
     recorder->setMinimizeTracks(true);
     recorder->newTrack(nullptr);
     for (const double latitude : {1.0, 2.0}) {
         recorder->trackPoint(pointAt(latitude, latitude), nullptr);
     }
-    EXPECT_THROW(recorder->trackPoint(pointAt(3, 3), &full), std::length_error);
-    EXPECT_EQ(records(recorder->currentTrack()).size(), 2U);
-    EXPECT_EQ(telemetry(*recorder, "slopeEqualTossedPoints"), 0);
-    recorder->trackPoint(pointAt(2, 3), nullptr); // another direction from the second point
+    recorder->trackPoint(pointAt(2, 3), &full); // another direction from the second point
     EXPECT_EQ(records(recorder->currentTrack()).size(), 3U);
+    EXPECT_EQ(recorder->lastTrackPoint()->size(), Dictionary::maxSize + 1);
+    recorder->wayPoint(pointAt(1, 1), &full);
+    recorder->newRoute(&full);
+    recorder->routePoint(pointAt(1, 1), &full);
+    EXPECT_EQ(records(recorder->currentRoute()).size(), 1U);
+    recorder->newTrack(&full);
+    recorder->trackPoint(pointAt(1, 1), &full);
+    recorder->endTransfer(transferKind::tracks);
+    recorder->endTransfer(transferKind::routes);
+    EXPECT_EQ(telemetry(*recorder, "TrackCount"), 2);
+    EXPECT_EQ(telemetry(*recorder, "trackPointCount"), 4);
+    EXPECT_EQ(telemetry(*recorder, "routePointCount"), 1);
+    EXPECT_EQ(telemetry(*recorder, "WayPointCount"), 1);
+}
+
+TEST(RecordingGPSOutput, SaysWhenTheRecordingHasNoRoomForAnotherArray) {
+    const auto recorder = RecordingGPSOutput::recorder();
+    EXPECT_TRUE(recorder->appendArrayData(Value(1), Key("first")));
+    *recorder->receivedData() = fullDictionary();
+    EXPECT_FALSE(recorder->appendArrayData(Value(1), Key("one more")));
+    recorder->receivedData()->remove(Key("0"));
+    EXPECT_TRUE(recorder->appendArrayData(Value(1), Key("first")));
+    EXPECT_TRUE(recorder->appendArrayData(Value(2), Key("first")));
+    recorder->wayPoint(pointAt(1, 1), nullptr); // what is received is filed as ever
+    EXPECT_EQ(telemetry(*recorder, "WayPointCount"), 1);
+    EXPECT_EQ(recorder->receivedData()->array(Key("first"))->size(), 2U);
 }
 
 TEST(RecordingGPSOutput, ClearForgetsTheRecordingAndKeepsTheSettings) {

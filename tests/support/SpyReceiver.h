@@ -59,7 +59,7 @@ template <class Float>
 
 [[nodiscard]] inline std::string textOf(const Value &value) {
     switch (value.kind()) {
-    case Value::Kind::Nil:
+    case Value::Kind::None:
         return "nil";
     case Value::Kind::Integer:
         return "int " + std::to_string(value.number()->int64Value());

@@ -22,12 +22,21 @@ struct Record {
     std::int64_t fields[5];
 };
 
+} // namespace
+
+template <>
+struct RecordEncoding<Record> {
+    static constexpr const char *value = "{?=[5q]}";
+};
+
+namespace {
+
 bool same(const Value &a, const Value &b) {
     if (a.kind() != b.kind()) {
         return false;
     }
     switch (a.kind()) {
-    case Value::Kind::Nil:
+    case Value::Kind::None:
         return true;
     case Value::Kind::String:
         return a.string() == b.string();
@@ -299,23 +308,48 @@ TEST(DictionaryOrder, ADictionaryThatHoldsItsOwnLastReferenceLetsGoSafely) {
     borrowed.remove(Key("itself")); // the last use
 }
 
-TEST(DictionaryOrder, RefusesMoreThanItCanCount) {
-    Dictionary dictionary;
-    for (std::size_t i = 0; i < Dictionary::maxSize; ++i) {
-        dictionary.set(Key(std::to_string(i)), Value(1));
-    }
-    EXPECT_THROW(dictionary.set(Key("one more"), Value(1)), std::length_error);
-    EXPECT_THROW((void)Dictionary::wrapping(Record{}, &dictionary), std::length_error);
+/// A dictionary that takes no further key of a name of its own. Filled once, since that takes long.
+const Dictionary &full() {
+    static const Dictionary filled = [] {
+        Dictionary made;
+        for (std::size_t i = 0; i < Dictionary::maxSize; ++i) {
+            made.set(Key(std::to_string(i)), Value(1));
+        }
+        return made;
+    }();
+    return filled;
+}
+
+TEST(DictionaryOrder, RefusesMoreThanItCanCountByItsResult) {
+    Dictionary dictionary = full();
+    EXPECT_FALSE(dictionary.set(Key("one more"), Value(1)));
     EXPECT_EQ(dictionary.size(), Dictionary::maxSize);
     EXPECT_FALSE(dictionary.contains(Key("one more")));
-    dictionary.set(Key("65534"), Value("the last can be replaced"));
-    EXPECT_EQ(Dictionary(dictionary).string(Key("65534")), "the last can be replaced");
+    EXPECT_TRUE(dictionary.set(Key("64999"), Value("the last can be replaced")));
+    EXPECT_EQ(Dictionary(dictionary).string(Key("64999")), "the last can be replaced");
+    EXPECT_TRUE(dictionary.set(Key("one more"), Value())); // is not there
     dictionary.remove(Key("0"));
-    dictionary.set(Key("one more"), Value(2));
+    EXPECT_TRUE(dictionary.set(Key("one more"), Value(2)));
     EXPECT_EQ(dictionary.at(Dictionary::maxSize - 1).key.name(), "one more");
     dictionary.removeAll();
-    dictionary.set(Key("again"), Value(3));
+    EXPECT_TRUE(dictionary.set(Key("again"), Value(3)));
     EXPECT_EQ(dictionary.size(), 1U);
+}
+
+TEST(DictionaryOrder, AlwaysHasRoomForKnownKeysAndForTheRecord) {
+    Dictionary dictionary = full();
+    const Ref<Dictionary> wrapped = Dictionary::wrapping(Record{{1, 2, 3, 4, 5}}, &dictionary);
+    ASSERT_NE(wrapped->record<Record>(Dictionary::recordKey), nullptr);
+    EXPECT_EQ(wrapped->record<Record>(Dictionary::recordKey)->fields[4], 5);
+    EXPECT_EQ(wrapped->size(), Dictionary::maxSize + 1);
+    for (const std::string_view name : knownKeyNames) {
+        EXPECT_TRUE(dictionary.set(Key(name), Value(name)));
+    }
+    EXPECT_EQ(dictionary.size(), Dictionary::maxSize + knownKeyNames.size());
+    EXPECT_FALSE(dictionary.set(Key("one more"), Value(1)));
+    EXPECT_EQ(Dictionary(dictionary).string(Key("hr")), "hr");
+    EXPECT_EQ(dictionary.string(Key("POIs")), "POIs");
+    EXPECT_EQ(dictionary.number(Key("64999"))->intValue(), 1);
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -15,6 +14,19 @@
 namespace pelluvia {
 namespace {
 
+// A key is its number. Who is compiled with a newer header has numbers that are not known here.
+static_assert(sizeof(Key) == sizeof(std::uint32_t));
+std::uint32_t numberOf(const Key &key) {
+    std::uint32_t number = 0;
+    std::memcpy(&number, &key, sizeof number);
+    return number;
+}
+Key keyOfNumber(std::uint32_t number) {
+    Key key("count");
+    std::memcpy(static_cast<void *>(&key), &number, sizeof number);
+    return key;
+}
+
 constexpr Key count = Key::known("count");
 constexpr Key heartRate = Key::known("hr");
 
@@ -25,6 +37,56 @@ TEST(Key, OfAKnownNameIsTheSameAtCompileTimeAndAtRunTime) {
     EXPECT_EQ(Key("hr"), heartRate);
     EXPECT_EQ(Key("count"), count);
     EXPECT_FALSE(heartRate == count);
+}
+
+// A number that has moved swaps values between programs and libraries that were not built together.
+TEST(Key, KnownNamesKeepTheirNumbers) {
+    const std::vector<std::pair<std::uint32_t, std::string_view>> expected = {
+        {0, "count"},          {1, "name"},         {2, "description"}, {3, "author"},
+        {4, "index"},          {5, "courseIndex"},  {6, "routeNumber"}, {7, "comment"},
+        {8, "symbol"},         {9, "type"},         {10, "url"},        {11, "urlName"},
+        {12, "geocacheOwner"}, {13, "difficulty"},  {14, "terrain"},    {15, "geocacheType"},
+        {16, "geocacheHint"},  {17, "proximity"},   {18, "hr"},         {19, "cadence"},
+        {20, "temp"},          {21, "distance"},    {22, "sensor"},     {23, "speed"},
+        {24, "calories"},      {25, "trackNumber"}, {26, "trackIndex"}, {27, "trackEnd"},
+        {28, "hrMax"},         {29, "hrAvg"},       {30, "cadenceMax"}, {31, "cadenceAvg"},
+        {32, "totalTime"},     {33, "speedMax"},    {34, "speedAvg"},   {35, "powerAvg"},
+        {36, "powerMax"},      {37, "altMin"},      {38, "altMax"},     {39, "trackName"},
+        {40, "trigger"},       {41, "intensity"},   {42, "point"},      {43, "points"},
+        {44, "track"},         {45, "route"},       {46, "waypoint"},   {47, "laps"},
+        {48, "POIs"},          {49, "value"},
+    };
+    ASSERT_EQ(knownKeyNames.size(), expected.size());
+    for (const auto &[number, name] : expected) {
+        EXPECT_EQ(knownKeyNames[number], name);
+        EXPECT_EQ(numberOf(Key(name)), number) << name;
+    }
+}
+
+TEST(Key, PooledNamesAreNumberedBehindAllThatWillEverBeKnown) {
+    EXPECT_EQ(Key::firstPooledNumber, 65'536U);
+    const Key pooled("of nobody else");
+    EXPECT_GE(numberOf(pooled), 65'536U);
+    EXPECT_FALSE(pooled.isKnown());
+    EXPECT_TRUE(heartRate.isKnown());
+}
+
+TEST(Key, OfANewerHeaderHasNoNameHereAndIsDifferentFromAllOthers) {
+    std::vector<Key> pooled;
+    for (int i = 0; i < 100; ++i) { // where numbers that follow the known ones would collide
+        pooled.emplace_back("pooled " + std::to_string(i));
+    }
+    for (auto number = static_cast<std::uint32_t>(knownKeyNames.size()); number < 65'536;
+         number += 13) {
+        const Key newer = keyOfNumber(number);
+        Key copy = newer;
+        EXPECT_EQ(newer.name(), "");
+        EXPECT_EQ(copy, newer);
+        EXPECT_FALSE(newer == Key(""));
+        EXPECT_EQ(std::find(pooled.begin(), pooled.end(), newer), pooled.end());
+        copy = Key("something else");
+        EXPECT_FALSE(copy == newer);
+    }
 }
 
 TEST(Key, NamesAreAllDifferent) {

@@ -104,5 +104,22 @@ TEST(Ref, CountsOnManyThreads) {
     EXPECT_EQ(live, 0);
 }
 
+/// Whether `*reference` compiles for what a `Reference` expression is.
+template <class Reference>
+concept Dereferenceable = requires(Reference reference) {
+    *static_cast<Reference>(reference);
+};
+
+// A loop over what a temporary reference refers to would run over an object that is gone.
+TEST(Ref, OfATemporaryCannotBeDereferenced) {
+    static_assert(Dereferenceable<Ref<Counted> &>);
+    static_assert(Dereferenceable<const Ref<Counted> &>);
+    static_assert(!Dereferenceable<Ref<Counted> &&>);
+    static_assert(!Dereferenceable<const Ref<Counted> &&>);
+    int live = 0;
+    const Ref<Counted> named = Ref<Counted>::make(live);
+    EXPECT_EQ(&*named, named.get());
+}
+
 } // namespace
 } // namespace pelluvia

@@ -19,10 +19,24 @@ struct Position {
     double latitude;
     double longitude;
 };
+/// Encoded as something else, though the bytes are the same.
 struct OtherPosition {
     double latitude;
     double longitude;
 };
+
+} // namespace
+
+template <>
+struct RecordEncoding<Position> {
+    static constexpr const char *value = "{?=dd}";
+};
+template <>
+struct RecordEncoding<OtherPosition> {
+    static constexpr const char *value = "{?=d2}";
+};
+
+namespace {
 
 /// One value of each kind, nil first.
 std::vector<Value> oneOfEach() {

@@ -19,7 +19,7 @@ char *append(char *out, std::string_view text) noexcept {
 
 bool canBeShown(const Value &value) noexcept {
     switch (value.kind()) {
-    case Value::Kind::Nil:
+    case Value::Kind::None:
         return false;
     case Value::Kind::Record:
         return value.unwrap<GPSPoint>() != nullptr;
@@ -106,7 +106,7 @@ void CallLogText::value(const Value &value) {
         return elements(*value.array());
     case Value::Kind::Dictionary:
         return entries(*value.dictionary());
-    case Value::Kind::Nil:
+    case Value::Kind::None:
         return; // left out by `canBeShown`
     }
 }
