@@ -8,8 +8,10 @@
 #include <Pelluvia/system/Localization.h>
 #include <Pelluvia/system/Log.h>
 #include <Pelluvia/values/CocoaErrors.h>
+#include <Pelluvia/values/ErrorText.h>
 
 #include <memory>
+#include <system_error>
 #include <utility>
 
 namespace pelluvia {
@@ -26,9 +28,10 @@ ErrorPtr failure(ErrorInfo userInfo) {
     return Error::make(gpsPluginErrorDomain, gpsPluginFailure, std::move(userInfo));
 }
 
-/// The outcome of a panel that the user has left; a folder that was chosen is kept.
+/// The outcome of a panel that the user has left; a folder that was chosen is kept, or `keeping`
+/// says why not.
 ErrorPtr outcomeOf(const OpenPanel &panel, std::int64_t response, const std::string &path,
-                   const std::string &receiver) {
+                   const std::string &receiver, std::error_code &keeping) {
     if (panel.error() != nullptr) {
         return panel.error();
     }
@@ -38,9 +41,9 @@ ErrorPtr outcomeOf(const OpenPanel &panel, std::int64_t response, const std::str
     ErrorPtr error;
     if (const auto data = Bookmark::bookmarkData(*panel.url(), &error)) {
         // Under the path that was asked for, wherever the user went from there.
-        GPSStorageAuthorization::setAuthorizedBookmarkData(*data, path, receiver);
+        keeping = GPSStorageAuthorization::setAuthorizedBookmarkData(*data, path, receiver);
     } else {
-        logLine("Error creating bookmark " + error->localizedDescription());
+        logLine("Error creating bookmark " + logTextOf(error));
     }
     return error;
 }
@@ -55,7 +58,7 @@ Grant grantUnderKey(std::string_view key) {
     if (url) {
         return {.url = std::move(url), .error = nullptr};
     }
-    logLine("Error resolving bookmark: " + reason->localizedDescription());
+    logLine("Error resolving bookmark: " + logTextOf(reason));
     // The text is the published one, its missing space included.
     return {.url = std::nullopt,
             .error = failure({description("Unable to Resolve bookmarkauthorization path"),
@@ -68,12 +71,11 @@ GPSStorageAuthorization::authorizedBookmarkKeyForPath(std::optional<std::string_
     return path ? std::optional(std::string(receiver).append(":").append(*path)) : std::nullopt;
 }
 
-void GPSStorageAuthorization::setAuthorizedBookmarkData(const Data &data,
-                                                        std::optional<std::string_view> path,
-                                                        std::string_view receiver) {
-    if (const auto key = authorizedBookmarkKeyForPath(path, receiver)) {
-        UserDefaults::standardUserDefaults().setObject(data, *key);
-    }
+std::error_code GPSStorageAuthorization::setAuthorizedBookmarkData(
+    const Data &data, std::optional<std::string_view> path, std::string_view receiver) {
+    const auto key = authorizedBookmarkKeyForPath(path, receiver);
+    return key ? UserDefaults::standardUserDefaults().setObject(data, *key)
+               : std::make_error_code(std::errc::invalid_argument);
 }
 
 std::optional<URL>
@@ -93,14 +95,28 @@ GPSStorageAuthorization::authorizedBookmarkURLForPath(std::optional<std::string_
 
 void GPSStorageAuthorization::authorizePath(std::string_view path, std::string_view window,
                                             Completion completion, std::string_view receiver) {
+    authorizePathAndReport(
+        path, window,
+        [completion = std::move(completion)](const ErrorPtr &error, std::error_code /*keeping*/) {
+            if (completion) {
+                completion(error);
+            }
+        },
+        receiver);
+}
+
+void GPSStorageAuthorization::authorizePathAndReport(std::string_view path, std::string_view window,
+                                                     ReportCompletion completion,
+                                                     std::string_view receiver) {
     const auto panel = OpenPanel::openPanel();
     panel->setDirectoryURL(URL::fileURLWithPath(path));
     panel->beginSheetModalForWindow(
         window, [panel, path = std::string(path), receiver = std::string(receiver),
                  completion = std::move(completion)](std::int64_t response) {
-            const ErrorPtr outcome = outcomeOf(*panel, response, path, receiver);
+            std::error_code keeping;
+            const ErrorPtr outcome = outcomeOf(*panel, response, path, receiver, keeping);
             if (completion) {
-                completion(outcome);
+                completion(outcome, keeping);
             }
         });
 }

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace pelluvia {
 
@@ -50,17 +51,19 @@ class PELLUVIA_EXPORT GPSStorageAuthorization {
                                  std::string_view receiver = className);
 
     /// Keeps bookmark data, unchecked, as the grant of a path, in the place of an earlier one. For
-    /// nil nothing is kept.
-    static void setAuthorizedBookmarkData(const Data &data, std::optional<std::string_view> path,
-                                          std::string_view receiver = className);
+    /// nil nothing is kept. Returns the reason when nothing was kept, as `UserDefaults::setObject`
+    /// does; who does not care need not look.
+    static std::error_code setAuthorizedBookmarkData(const Data &data,
+                                                     std::optional<std::string_view> path,
+                                                     std::string_view receiver = className);
 
     /// The folder that was granted for a path. Nothing when there is none, or when it is gone or
     /// cannot be read any more; that is logged, and **`error` is left untouched**. Only for nil an
     /// error (`gpsPluginErrorDomain`, `gpsPluginFailure`) is stored through `error`, unless that is
     /// null. So test the result, not the error.
     ///
-    /// A grant whose folder was replaced by another one at the same place is as good as before, and
-    /// is not renewed.
+    /// A folder that was renamed is found again, as far as `Bookmark` can, and the grant is not
+    /// renewed. Another folder that has taken its place was not granted.
     [[nodiscard]] static std::optional<URL>
     authorizedBookmarkURLForPath(std::optional<std::string_view> path, ErrorPtr *error,
                                  std::string_view receiver = className);
@@ -76,8 +79,21 @@ class PELLUVIA_EXPORT GPSStorageAuthorization {
     /// the user chose none; an error of `openPanelErrorDomain` when the user could not be asked;
     /// the error of the bookmark when the chosen folder cannot be kept, which is logged, too. Then
     /// nothing is kept and an earlier grant stays.
+    ///
+    /// An error of null does not say that the grant could be written to the user defaults: failures
+    /// of that kind are in the log, and in the report of `authorizePathAndReport`.
     static void authorizePath(std::string_view path, std::string_view window, Completion completion,
                               std::string_view receiver = className);
+
+    /// Takes the outcome of a prompt, as `Completion` does, and, where a folder was granted, why
+    /// the grant could not be written to the user defaults, so that it is lost; nothing when it
+    /// was written.
+    using ReportCompletion = std::function<void(const ErrorPtr &error, std::error_code keeping)>;
+
+    /// The same as `authorizePath` with a completion that is told whether the grant was kept.
+    static void authorizePathAndReport(std::string_view path, std::string_view window,
+                                       ReportCompletion completion,
+                                       std::string_view receiver = className);
 };
 
 } // namespace pelluvia

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <variant>
 
 /// \file
@@ -34,9 +35,14 @@ using DefaultsObject = std::variant<Data, std::string, std::int64_t, double>;
 /// another has written, and a crash at any instant leaves the old file or the new one. A write
 /// waits as long as another process holds the lock.
 ///
-/// Nothing here fails aloud. What cannot be read counts as not given, what cannot be written is
-/// left as it was, and either is one line in the log. A file that is damaged is renamed to
-/// `defaults.damaged`, in the place of an earlier one, and the defaults begin anew.
+/// What cannot be read counts as not given, what cannot be written is left as it was, and either is
+/// one line in the log. Of a damaged file everything is read but the lines that cannot be
+/// understood. Whoever meets the damage first, reading or writing, mends it: what was there is kept
+/// as `defaults.damaged`, or with a number behind it where that is taken, those lines are left out
+/// of the file, and one line in the log tells all this. To know before, ask `fault`.
+///
+/// Comments, and whatever else is in the file, stay as they are. A file that is a symbolic link is
+/// written where the link leads.
 ///
 /// The folder is made when it is first written to, for the user alone (mode 0700, the file 0600).
 ///
@@ -55,10 +61,16 @@ class PELLUVIA_EXPORT UserDefaults {
     /// The defaults in a folder, which need not exist.
     explicit UserDefaults(std::string folder);
 
-    /// Keeps the object under the key in the place of an earlier one.
-    void setObject(const DefaultsObject &object, std::string_view key) const;
-    /// Removes what is kept under the key, if anything is.
-    void removeObjectForKey(std::string_view key) const;
+    /// Keeps the object under the key in the place of an earlier one. Returns the reason when it
+    /// was not kept; who does not care need not look, for that is in the log, too.
+    std::error_code setObject(const DefaultsObject &object, std::string_view key) const;
+    /// Removes what is kept under the key, if anything is. The result is as of `setObject`.
+    std::error_code removeObjectForKey(std::string_view key) const;
+
+    /// What is wrong with the file as it stands there now, in one line of English: it cannot be
+    /// read, or lines of it cannot be understood. Empty when nothing is wrong, and where there is
+    /// no file. Mends and logs nothing.
+    [[nodiscard]] std::string fault() const;
 
     /// What is kept under the key, or nothing.
     [[nodiscard]] std::optional<DefaultsObject> objectForKey(std::string_view key) const;
@@ -72,7 +84,7 @@ class PELLUVIA_EXPORT UserDefaults {
     [[nodiscard]] const std::string &folder() const noexcept { return folder_; }
 
     /// The most bytes that the file may have. A write that would make it larger is not made; a file
-    /// that is larger counts as damaged.
+    /// that is larger is renamed to `defaults.damaged` as a whole.
     static constexpr std::size_t largestFile = std::size_t{64} * 1024 * 1024;
 
   private:

@@ -89,8 +89,9 @@ TEST_F(AuthorizePath, AFolderThatCannotBeKeptIsLoggedAndTheOutcome) {
     ASSERT_NE(error, nullptr);
     EXPECT_EQ(error->domain(), NSCocoaErrorDomain);
     EXPECT_EQ(error->code(), NSFileReadNoSuchFileError);
-    EXPECT_THAT(log.lines, ElementsAre("Error creating bookmark The folder is gone: " +
-                                       folder.file("missing")));
+    EXPECT_THAT(log.lines, ElementsAre("Error creating bookmark Error Domain=NSCocoaErrorDomain "
+                                       "Code=260 \"The folder is gone: " +
+                                       folder.file("missing") + "\""));
     EXPECT_FALSE(std::filesystem::exists(defaultsFile()));
 }
 
@@ -121,6 +122,27 @@ TEST_F(AuthorizePath, AGrantThatCannotBeWrittenIsOneLine) {
     testing::writeFile(folder.file("org.example.Test"), "in the way");
     EXPECT_EQ(authorize(0, {"file://" + chosen}), nullptr); // as the bookmark was made
     EXPECT_THAT(log.lines, ElementsAre(StartsWith("Error writing the user defaults")));
+}
+
+TEST_F(AuthorizePath, ReportsWhetherTheGrantWasKept) {
+    std::vector<std::error_code> keeping;
+    const auto report = [&](const ErrorPtr &error, std::error_code reason) {
+        outcomes.push_back(error);
+        keeping.push_back(reason);
+    };
+    for (int round = 0; round < 2; ++round) {
+        startPortal();
+        GPSStorageAuthorization::authorizePathAndReport(requested, "", report);
+        ASSERT_TRUE(wasCalled());
+        portal->respond(0, {"file://" + chosen});
+        EXPECT_EQ(outcome(), nullptr);
+        outcomes.clear();
+        portal.reset();
+        std::filesystem::remove_all(folder.file("org.example.Test"));
+        testing::writeFile(folder.file("org.example.Test"), "in the way");
+    }
+    EXPECT_THAT(keeping,
+                ElementsAre(std::error_code(), std::make_error_code(std::errc::not_a_directory)));
 }
 
 TEST_F(AuthorizePath, KeepsTheCompletionUntilItHasRunAndNoLonger) {

@@ -26,6 +26,13 @@ TEST(BookmarkRecord, SaysWhatItIs) {
               "sum 500b4e5b9d998146088ed605f5a5b645b69fef86adfd717db2b21be643a780d1\n");
 }
 
+TEST(BookmarkRecord, SaysWhenTheFolderWasMade) {
+    BookmarkRecord record = example;
+    record.identity.born = "1700000000.123456789";
+    EXPECT_THAT(testing::textOf(encoded(record)),
+                ::testing::HasSubstr("\ninode 1234\nborn 1700000000.123456789\nsum "));
+}
+
 TEST(BookmarkRecord, IsReadBackAsItWas) {
     std::string allBytes = "/";
     for (int byte = 1; byte < 256; ++byte) {
@@ -34,6 +41,7 @@ TEST(BookmarkRecord, IsReadBackAsItWas) {
     for (const BookmarkRecord &record :
          {example, BookmarkRecord{"/run/user/1000/doc/3f0a/GPS", {~0ULL, ~0ULL}, "3f0a"},
           BookmarkRecord{allBytes, {0, 0}, "with space"},
+          BookmarkRecord{"/born", {1, 2, "1700000000.5"}, "3f0a"},
           BookmarkRecord{"/" + std::string(100'000, 'x'), {1, 2}, ""}}) {
         BookmarkRecord again;
         EXPECT_EQ(decode(encoded(record), again), "");
@@ -86,8 +94,8 @@ TEST(BookmarkRecord, FieldsThatAreNotAsTheyShouldBeAreDamage) {
     const std::string good = "folder file:///a\ndevice 1\ninode 2\n";
     ASSERT_EQ(complaintAbout(testing::bookmarkWith(good)), "");
     for (const std::string &fields :
-         {std::string(), good + "more 1\n", good + good, good + "document \n",
-          std::string("folder /a\ndevice 1\ninode 2\n"),
+         {std::string(), good + "more 1\n", good + good, good + "document \n", good + "born \n",
+          good + "document x\nborn 1.2\n", std::string("folder /a\ndevice 1\ninode 2\n"),
           std::string("folder file://elsewhere/a\ndevice 1\ninode 2\n"),
           std::string("folder file:///a%00b\ndevice 1\ninode 2\n"),
           std::string("folder file:///a%2Fb\ndevice 1\ninode 2\n"),

@@ -73,12 +73,46 @@ TEST_F(BookmarkOfAFolder, IsMadeOfTheFolderThatALinkLeadsTo) {
     EXPECT_EQ(resolve(make(folder.file("link") + "/../GPS/")), path);
 }
 
-TEST_F(BookmarkOfAFolder, ThatWasReplacedResolvesAndIsStale) {
+TEST_F(BookmarkOfAFolder, ThatWasRenamedIsFoundAgainAndIsStale) {
     const Data data = make(path);
-    std::filesystem::rename(path, folder.file("old")); // keeps the inode from being used again
-    std::filesystem::create_directory(path);
-    EXPECT_EQ(resolve(data), path);
+    std::filesystem::rename(path, folder.file("old"));
+    EXPECT_EQ(resolve(data), folder.file("old"));
     EXPECT_TRUE(isStale);
+    std::filesystem::create_directory(path);
+    EXPECT_EQ(resolve(data), folder.file("old"));
+    testing::writeFile(folder.file("GPS/file"), "");
+    std::filesystem::remove_all(path);
+    testing::writeFile(path, "");
+    EXPECT_EQ(resolve(data), folder.file("old"));
+}
+
+TEST_F(BookmarkOfAFolder, WhoseParentWasRenamedIsFoundAgain) {
+    std::filesystem::create_directories(folder.file("GPS/2024"));
+    const Data data = make(folder.file("GPS/2024"));
+    std::filesystem::rename(path, folder.file("old"));
+    EXPECT_EQ(resolve(data), folder.file("old/2024"));
+    EXPECT_TRUE(isStale);
+}
+
+TEST_F(BookmarkOfAFolder, AnotherOneInItsPlaceIsNotGranted) {
+    const Data data = make(path);
+    std::filesystem::create_directories(folder.file("far/away"));
+    std::filesystem::rename(path, folder.file("far/away/GPS")); // where nobody looks
+    std::filesystem::create_directory(path);
+    std::filesystem::create_directory(folder.file("neighbour"));
+    EXPECT_EQ(resolve(data), "nothing");
+    expectError(NSFileReadNoSuchFileError, "Another folder is in its place: " + path);
+    std::filesystem::remove(path);
+    EXPECT_EQ(resolve(data), "nothing");
+    expectError(NSFileReadNoSuchFileError, "The folder is gone: " + path);
+}
+
+TEST_F(BookmarkOfAFolder, IsNotFoundAgainByWayOfALink) {
+    std::filesystem::create_directories(folder.file("far/away"));
+    const Data data = make(path);
+    std::filesystem::rename(path, folder.file("far/away/GPS"));
+    std::filesystem::create_directory_symlink("far/away/GPS", folder.file("link"));
+    EXPECT_EQ(resolve(data), "nothing");
 }
 
 TEST_F(BookmarkOfAFolder, ThatIsGoneDoesNotResolve) {
@@ -204,7 +238,9 @@ TEST_F(BookmarkOfAFolder, InTheDocumentStoreIsFoundThroughALinkToTheRuntimeFolde
 TEST_F(BookmarkOfAFolder, TheDocumentStoreIsNotLeftByALink) {
     std::filesystem::create_directories(folder.file("run/doc/3f0a"));
     std::filesystem::create_directory_symlink("/etc", folder.file("run/doc/3f0a/GPS"));
-    const std::string fields = "folder file://" + path + "\ndevice 1\ninode 1\ndocument ";
+    std::string fields = testing::textOf(make(path));
+    fields = fields.substr(fields.find('\n') + 1);
+    fields = fields.substr(0, fields.find("sum ")) + "document ";
     EXPECT_EQ(resolve(testing::bookmarkWith(fields + "3f0a\n")), path);
     EXPECT_EQ(resolve(testing::bookmarkWith(fields + "../..\n")), path);
 }

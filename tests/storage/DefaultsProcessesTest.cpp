@@ -54,17 +54,18 @@ TEST_F(DefaultsOfProcesses, OneThatIsForkedDuringAWriteHoldsUpNobody) {
     ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
     pid_t child = -1;
     std::string problem;
-    storage::DefaultsFile(defaults.folder())
-        .update(
-            [&](storage::DefaultsText & /*entries*/) {
-                child = ::fork();
-                if (child == 0) { // lives until the test closes the pipe
-                    ::close(ends[1]);
-                    char byte = 0;
-                    ::_exit(static_cast<int>(::read(ends[0], &byte, 1)));
-                }
-            },
-            problem);
+    const int error = storage::DefaultsFile(defaults.folder())
+                          .update(
+                              [&](storage::DefaultsText & /*entries*/) {
+                                  child = ::fork();
+                                  if (child == 0) { // lives until the test closes the pipe
+                                      ::close(ends[1]);
+                                      char byte = 0;
+                                      ::_exit(static_cast<int>(::read(ends[0], &byte, 1)));
+                                  }
+                              },
+                              problem);
+    EXPECT_EQ(error, 0);
     EXPECT_EQ(problem, "");
     const int lock = ::open(defaultsFile("defaults.lock").c_str(), O_RDWR | O_CLOEXEC);
     EXPECT_EQ(::flock(lock, LOCK_EX | LOCK_NB), 0);

@@ -17,8 +17,9 @@ std::string textWith(std::string_view key, const DefaultsObject &object) {
 }
 
 DefaultsObject roundTrip(const DefaultsObject &object) {
-    const auto again = DefaultsText::parsed(textWith("key", object));
-    return again ? again->find("key").value_or(DefaultsObject("nothing")) : DefaultsObject("bad");
+    return DefaultsText::parsed(textWith("key", object))
+        .find("key")
+        .value_or(DefaultsObject("nothing"));
 }
 
 TEST(DefaultsText, IsAKeyFileWithTheTypeBeforeEachValue) {
@@ -72,10 +73,10 @@ TEST(DefaultsText, KeepsEveryKeyApart) {
     for (std::size_t at = 0; at < keys.size(); ++at) {
         entries.set(keys[at], static_cast<std::int64_t>(at));
     }
-    const auto again = DefaultsText::parsed(entries.text());
-    ASSERT_TRUE(again);
+    const DefaultsText again = DefaultsText::parsed(entries.text());
+    EXPECT_EQ(again.badLineCount(), 0U);
     for (std::size_t at = 0; at < keys.size(); ++at) {
-        EXPECT_EQ(again->find(keys[at]), DefaultsObject(static_cast<std::int64_t>(at)));
+        EXPECT_EQ(again.find(keys[at]), DefaultsObject(static_cast<std::int64_t>(at)));
     }
 }
 
@@ -91,39 +92,100 @@ TEST(DefaultsText, ReplacesAndRemoves) {
 }
 
 TEST(DefaultsText, KeepsWhatTheUserHasAddedByHand) {
-    auto entries =
-        DefaultsText::parsed("# mine\n[Defaults]\na=integer:1\n\n# more\n[Other]\nb=c\n");
-    ASSERT_TRUE(entries);
-    entries->set("a", std::int64_t{2});
-    const std::string text = entries->text();
-    EXPECT_EQ(text, "# mine\n\n[Defaults]\na=integer:2\n\n# more\n\n[Other]\nb=c\n");
-    const auto again = DefaultsText::parsed(text);
-    ASSERT_TRUE(again);
-    EXPECT_EQ(again->text(), text);
-    const std::string translated = "[Defaults]\na=integer:1\n\n[Other]\nb[xx]=c\n";
-    EXPECT_EQ(DefaultsText::parsed(translated)->text(), translated);
+    const std::string text = "# mine\n[Defaults]\r\n ; my own\n\na = integer:1 \nb=date:2024\n\n"
+                             "[Other]\nanything at all\n[Defaults]\n# more\nc=real:1\n";
+    DefaultsText entries = DefaultsText::parsed(text);
+    EXPECT_EQ(entries.badLineCount(), 0U);
+    EXPECT_EQ(entries.text(), text);
+    EXPECT_EQ(entries.find("a"), DefaultsObject(std::int64_t{1}));
+    EXPECT_EQ(entries.find("c"), DefaultsObject(1.0));
+    entries.set("a", std::int64_t{2});
+    entries.set("d", std::int64_t{3});
+    EXPECT_EQ(entries.text(),
+              "# mine\n[Defaults]\r\n ; my own\n\na=integer:2\nb=date:2024\n\n"
+              "[Other]\nanything at all\n[Defaults]\n# more\nc=real:1\nd=integer:3\n");
 }
 
-TEST(DefaultsText, AValueThatCannotBeUnderstoodIsNotGiven) {
-    for (const char *value : {"", "1", "integer:", "integer:1x", "integer:99999999999999999999",
-                              "real:", "real:abc", "string:%4", "string:%zz", "data:YWJ",
-                              "data:Y W", "data:!!!!", "blob:YWJj", "INTEGER:1"}) {
-        const auto entries = DefaultsText::parsed("[Defaults]\na=" + std::string(value) + "\n");
-        ASSERT_TRUE(entries);
-        EXPECT_EQ(entries->find("a"), std::nullopt) << value;
+TEST(DefaultsText, PutsANewEntryUnderItsGroup) {
+    const auto textAfterSetting = [](std::string_view text) {
+        DefaultsText entries = DefaultsText::parsed(text);
+        entries.set("a", std::int64_t{1});
+        return entries.text();
+    };
+    EXPECT_EQ(textAfterSetting("[Defaults]\n# none\n[Other]\nb=c\n"),
+              "[Defaults]\na=integer:1\n# none\n[Other]\nb=c\n");
+    EXPECT_EQ(textAfterSetting("[Other]\nb=c"), "[Other]\nb=c\n[Defaults]\na=integer:1\n");
+    EXPECT_EQ(textAfterSetting("# none\n"), "# none\n[Defaults]\na=integer:1\n");
+}
+
+TEST(DefaultsText, OfTwoLinesWithOneKeyTheLastCounts) {
+    DefaultsText entries = DefaultsText::parsed("[Defaults]\na=integer:1\n%61=integer:2\n");
+    EXPECT_EQ(entries.find("a"), DefaultsObject(std::int64_t{2}));
+    entries.remove("a");
+    EXPECT_EQ(entries.text(), "[Defaults]\n");
+}
+
+TEST(DefaultsText, PassesOverAByteOrderMark) {
+    const DefaultsText entries = DefaultsText::parsed("\xEF\xBB\xBF[Defaults]\na=integer:1\n");
+    EXPECT_EQ(entries.find("a"), DefaultsObject(std::int64_t{1}));
+    EXPECT_EQ(entries.text(), "[Defaults]\na=integer:1\n");
+}
+
+TEST(DefaultsText, AValueOfAnUnknownTypeIsKeptAndNotGiven) {
+    for (const char *value : {"", "1", "blob:YWJj", "INTEGER:1", ":", "data"}) {
+        const std::string text = "[Defaults]\na=" + std::string(value) + "\n";
+        const DefaultsText entries = DefaultsText::parsed(text);
+        EXPECT_EQ(entries.find("a"), std::nullopt) << value;
+        EXPECT_EQ(entries.badLineCount(), 0U) << value;
+        EXPECT_EQ(entries.text(), text);
     }
 }
 
-TEST(DefaultsText, WhatIsNoKeyFileOfOursIsRefused) {
-    for (const std::string_view text :
-         {std::string_view("garbage"), std::string_view("a=b\n"),
-          std::string_view("[Other]\na=b\n"), std::string_view("[Defaults\n"),
-          std::string_view("\0\0\0\0", 4), std::string_view("[Defaults]\na=b\0c\n", 17),
-          std::string_view("[Defaults]\nno line\n"), std::string_view("\n"),
-          std::string_view("\xFF\xFE[Defaults]\n")}) {
-        EXPECT_FALSE(DefaultsText::parsed(text)) << text;
+TEST(DefaultsText, ALineThatCannotBeUnderstoodCostsNoOther) {
+    for (const std::string &line : {std::string("no entry"),
+                                    std::string("=integer:1"),
+                                    std::string("%zz=integer:1"),
+                                    std::string("a=integer:"),
+                                    std::string("a=integer:1x"),
+                                    std::string("a=integer:99999999999999999999"),
+                                    std::string("a=real:"),
+                                    std::string("a=real:abc"),
+                                    std::string("a=string:%4"),
+                                    std::string("a=string:%zz"),
+                                    std::string("a=data:YWJ"),
+                                    std::string("a=data:YWJ="),
+                                    std::string("a=data:YW Jj"),
+                                    std::string("a=data:!!!!"),
+                                    std::string("a=data:YWJj===="),
+                                    std::string("[Defaults"),
+                                    std::string("[Def[aults]"),
+                                    std::string("[Defaults] a"),
+                                    std::string("["),
+                                    std::string("a=b\0c", 5),
+                                    std::string(1000, '\0')}) {
+        const DefaultsText entries =
+            DefaultsText::parsed("[Defaults]\nx=integer:1\n" + line + "\ny=integer:2\n" + line);
+        EXPECT_EQ(entries.badLineCount(), 2U) << line;
+        EXPECT_EQ(entries.firstBadLine(), 3U) << line;
+        EXPECT_EQ(entries.text(), "[Defaults]\nx=integer:1\ny=integer:2\n") << line;
     }
-    EXPECT_TRUE(DefaultsText::parsed(""));
+}
+
+TEST(DefaultsText, EntriesOutliveTheNameOfTheirGroup) {
+    for (const char *start : {"", "[Defaul\n", "# mine\n", "[Other]\nb=c\n[efaults\n"}) {
+        const DefaultsText entries =
+            DefaultsText::parsed(std::string(start) + "a=integer:1\n[Other]\nb=c\n");
+        EXPECT_EQ(entries.find("a"), DefaultsObject(std::int64_t{1})) << start;
+        EXPECT_EQ(entries.find("b"), std::nullopt);
+        EXPECT_THAT(entries.text(), ::testing::HasSubstr("[Defaults]\na=integer:1\n[Other]\n"));
+    }
+}
+
+TEST(DefaultsText, NoTextHasNoEntriesAndNothingWrong) {
+    for (const char *text : {"", "\n", "\n\n", "[Other]\na=b\n", "# nothing"}) {
+        EXPECT_EQ(DefaultsText::parsed(text).badLineCount(), 0U);
+        EXPECT_EQ(DefaultsText::parsed(text).find("a"), std::nullopt);
+    }
 }
 
 } // namespace

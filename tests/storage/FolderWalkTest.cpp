@@ -1,5 +1,6 @@
 #include <Pelluvia/storage/internal/FolderWalk.h>
 
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
@@ -23,7 +24,14 @@ TEST_F(FolderWalk, ArrivesWithTheFoldersIdentity) {
     struct stat status {};
     ASSERT_EQ(::stat(folder.file("a/b").c_str(), &status), 0);
     EXPECT_EQ(walk(folder.file("a/b")), WalkResult::Arrived);
-    EXPECT_EQ(identity, (FolderIdentity{.device = status.st_dev, .inode = status.st_ino}));
+    EXPECT_EQ(identity.device, status.st_dev);
+    EXPECT_EQ(identity.inode, status.st_ino);
+    struct statx more {};
+    if (::statx(AT_FDCWD, folder.file("a/b").c_str(), 0, STATX_BTIME, &more) == 0 &&
+        (more.stx_mask & STATX_BTIME) != 0) {
+        EXPECT_EQ(identity.born, std::to_string(more.stx_btime.tv_sec) + "." +
+                                     std::to_string(more.stx_btime.tv_nsec));
+    }
     EXPECT_EQ(walk("/"), WalkResult::Arrived);
     EXPECT_EQ(walk(folder.file("a/b/")), WalkResult::Arrived);
 }

@@ -36,6 +36,11 @@ class GPSStorageAuthorizationOfATest : public testing::OwnDefaults {
         return url ? url->path() : "nothing";
     }
 
+    static std::string lineOf(int code, const std::string &text) {
+        return "Error resolving bookmark: Error Domain=NSCocoaErrorDomain Code=" +
+               std::to_string(code) + " \"" + text + "\"";
+    }
+
     std::string granted = folder.file("GPS");
 };
 
@@ -82,8 +87,8 @@ TEST_F(GPSStorageAuthorizationOfATest, WithoutAGrantTheErrorIsLeftAsItWas) {
     EXPECT_EQ(resolve("/never/stored", &error), "nothing");
     EXPECT_EQ(error, before);
     EXPECT_EQ(resolve("/never/stored", nullptr), "nothing");
-    EXPECT_THAT(log.lines, ElementsAre("Error resolving bookmark: There is no bookmark",
-                                       "Error resolving bookmark: There is no bookmark"));
+    EXPECT_THAT(log.lines, ElementsAre(lineOf(259, "There is no bookmark"),
+                                       lineOf(259, "There is no bookmark")));
 }
 
 TEST_F(GPSStorageAuthorizationOfATest, AGrantThatDoesNotResolveLeavesTheErrorAsItWas) {
@@ -96,9 +101,9 @@ TEST_F(GPSStorageAuthorizationOfATest, AGrantThatDoesNotResolveLeavesTheErrorAsI
     EXPECT_EQ(resolve("/damaged", &error), "nothing");
     EXPECT_EQ(resolve("/text", &error), "nothing");
     EXPECT_EQ(error, nullptr);
-    EXPECT_THAT(log.lines, ElementsAre("Error resolving bookmark: The folder is gone: " + granted,
-                                       "Error resolving bookmark: This is not a bookmark",
-                                       "Error resolving bookmark: There is no bookmark"));
+    EXPECT_THAT(log.lines, ElementsAre(lineOf(260, "The folder is gone: " + granted),
+                                       lineOf(259, "This is not a bookmark"),
+                                       lineOf(259, "There is no bookmark")));
 }
 
 TEST_F(GPSStorageAuthorizationOfATest, TheErrorKeptBackHasThePublishedText) {
@@ -122,7 +127,7 @@ TEST_F(GPSStorageAuthorizationOfATest, WithoutAPathThereIsNoKeyAndAnError) {
     EXPECT_EQ(error->userInfo().size(), 1U);
     EXPECT_EQ(error->localizedDescription(), "Unable to create key for authorization path");
     EXPECT_EQ(resolve(std::nullopt, nullptr), "nothing");
-    Authorization::setAuthorizedBookmarkData(bookmark(), std::nullopt);
+    EXPECT_TRUE(Authorization::setAuthorizedBookmarkData(bookmark(), std::nullopt));
     EXPECT_FALSE(std::filesystem::exists(defaultsFile()));
     EXPECT_THAT(log.lines, IsEmpty());
 }
@@ -130,11 +135,22 @@ TEST_F(GPSStorageAuthorizationOfATest, WithoutAPathThereIsNoKeyAndAnError) {
 TEST_F(GPSStorageAuthorizationOfATest, AStaleGrantResolvesAndIsNotRewritten) {
     Authorization::setAuthorizedBookmarkData(bookmark(), "/GPS");
     std::filesystem::rename(granted, folder.file("old"));
-    std::filesystem::create_directory(granted);
     const std::string before = testing::readFile(defaultsFile());
-    EXPECT_EQ(resolve("/GPS"), granted);
+    EXPECT_EQ(resolve("/GPS"), folder.file("old"));
     EXPECT_EQ(testing::readFile(defaultsFile()), before);
     EXPECT_THAT(log.lines, IsEmpty());
+}
+
+TEST_F(GPSStorageAuthorizationOfATest, AnotherFolderInThePlaceOfTheGrantedOneIsNotGranted) {
+    const ErrorPtr untouched = Error::make("mine", 7);
+    ErrorPtr error = untouched;
+    Authorization::setAuthorizedBookmarkData(bookmark(), "/GPS");
+    std::filesystem::create_directories(folder.file("far/away"));
+    std::filesystem::rename(granted, folder.file("far/away/GPS"));
+    std::filesystem::create_directory(granted);
+    EXPECT_EQ(resolve("/GPS", &error), "nothing");
+    EXPECT_EQ(error, untouched);
+    EXPECT_THAT(log.lines, ElementsAre(lineOf(260, "Another folder is in its place: " + granted)));
 }
 
 TEST_F(GPSStorageAuthorizationOfATest, OddPathsEachKeepTheirOwnGrant) {

@@ -75,7 +75,8 @@ TEST_F(StorageCommand, AuthorizedSaysThatThereIsNone) {
     EXPECT_EQ(shown.errors, "pelluvia: there is no grant for /GPS (--verbose says why)\n");
     const testing::Outcome verbose = pelluvia({"authorized", "-v", "--", "-GPS"});
     EXPECT_EQ(verbose.status, 1);
-    EXPECT_EQ(verbose.errors, "log: Error resolving bookmark: There is no bookmark\n"
+    EXPECT_EQ(verbose.errors, "log: Error resolving bookmark: Error Domain=NSCocoaErrorDomain "
+                              "Code=259 \"There is no bookmark\"\n"
                               "pelluvia: there is no grant for -GPS\n");
 }
 
@@ -99,8 +100,38 @@ TEST_F(StorageCommand, AGrantThatCannotBeKeptIsStatus3) {
     answer(0, {uri});
     const testing::Outcome asked = pelluvia({"authorize", "/GPS"});
     EXPECT_EQ(asked.status, 3);
-    EXPECT_THAT(asked.errors, ::testing::AllOf(HasSubstr("Error writing the user defaults"),
-                                               HasSubstr("the grant could not be kept")));
+    EXPECT_EQ(asked.output, "");
+    EXPECT_EQ(asked.errors, "pelluvia: the grant could not be kept in " + folder.file("pelluvia") +
+                                ": Not a directory\n");
+}
+
+TEST_F(StorageCommand, ADamagedLineIsToldByBothAndByTheirStatus) {
+    const std::string defaults = folder.file("pelluvia/defaults.ini");
+    for (const std::string command : {"authorize", "authorized"}) {
+        answer(0, {uri});
+        ASSERT_EQ(pelluvia({"authorize", "/GPS"}).status, 0);
+        testing::writeFile(defaults, testing::readFile(defaults) + "nonsense\n");
+        const testing::Outcome told = pelluvia({command, "/GPS"});
+        EXPECT_EQ(told.status, 1) << command;
+        EXPECT_EQ(told.output, uri + "\n");
+        EXPECT_THAT(told.errors, ::testing::AllOf(HasSubstr(defaults), HasSubstr("damaged"),
+                                                  HasSubstr("line 3"), HasSubstr(".damaged")));
+        const testing::Outcome mended = pelluvia({"authorized", "/GPS"});
+        EXPECT_EQ(mended.status, 0) << command;
+        EXPECT_EQ(mended.errors, "");
+        portal.reset();
+    }
+}
+
+TEST_F(StorageCommand, AGrantThatWasDamagedIsMissingAndTheDamageIsTold) {
+    std::filesystem::create_directories(folder.file("pelluvia"));
+    testing::writeFile(folder.file("pelluvia/defaults.ini"),
+                       "[Defaults]\nGPSStorageAuthorization:/GPS=data:UGVs!\n");
+    const testing::Outcome told = pelluvia({"authorized", "/GPS"});
+    EXPECT_EQ(told.status, 1);
+    EXPECT_EQ(told.output, "");
+    EXPECT_THAT(told.errors, ::testing::AllOf(HasSubstr("damaged"), HasSubstr("line 2"),
+                                              HasSubstr("there is no grant for /GPS")));
 }
 
 TEST_F(StorageCommand, WithoutItsHelperTheProgramSaysSo) {

@@ -5,6 +5,8 @@
 
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <set>
+#include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
@@ -18,6 +20,14 @@ using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+
+std::set<std::string> filesIn(const std::string &folder) {
+    std::set<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator(folder)) {
+        names.insert(entry.path().filename());
+    }
+    return names;
+}
 
 class UserDefaultsOfATest : public testing::OwnDefaults {
   protected:
@@ -117,21 +127,73 @@ TEST_F(UserDefaultsOfATest, OfAProgramWithoutIdentifierBearItsName) {
     EXPECT_EQ(outcome.output, folder.file("storage_probe") + "\n");
 }
 
-TEST_F(UserDefaultsOfATest, ADamagedFileIsMovedAsideWithOneLine) {
-    const std::string damage = "[Defaults]\nthis is no line of ours\n";
-    defaults.setObject("x", "key");
+TEST_F(UserDefaultsOfATest, ABadLineCostsNoOtherAndIsToldOnce) {
+    const std::string damage = "[Defaults]\na=string:x\nthis is no line of ours\nb=string:y\n";
+    std::filesystem::create_directories(defaults.folder());
     testing::writeFile(defaultsFile(), damage);
-    EXPECT_EQ(defaults.stringForKey("key"), std::nullopt);
-    EXPECT_EQ(defaults.stringForKey("key"), std::nullopt);
+    EXPECT_EQ(defaults.stringForKey("a"), "x");
+    EXPECT_EQ(defaults.stringForKey("b"), "y");
     EXPECT_THAT(log.lines, ElementsAre(AllOf(HasSubstr(defaultsFile()), HasSubstr("damaged"),
-                                             HasSubstr("defaults.damaged"))));
+                                             HasSubstr("line 3"), HasSubstr("defaults.damaged"))));
     EXPECT_EQ(testing::readFile(defaultsFile("defaults.damaged")), damage);
-    defaults.setObject("y", "key");
-    EXPECT_EQ(defaults.stringForKey("key"), "y");
+    EXPECT_EQ(testing::readFile(defaultsFile()), "[Defaults]\na=string:x\nb=string:y\n");
+}
+
+TEST_F(UserDefaultsOfATest, AWriteThatMeetsABadLineKeepsTheGoodOnes) {
+    std::filesystem::create_directories(defaults.folder());
+    testing::writeFile(defaultsFile(), "[Defaults]\na=string:x\nnonsense\n");
+    defaults.setObject("y", "b");
+    EXPECT_EQ(testing::readFile(defaultsFile()), "[Defaults]\na=string:x\nb=string:y\n");
     EXPECT_EQ(log.lines.size(), 1U);
 }
 
-TEST_F(UserDefaultsOfATest, AWriteThatMeetsDamageMovesItAsideToo) {
+TEST_F(UserDefaultsOfATest, ASecondDamageLeavesTheCopyOfTheFirst) {
+    std::filesystem::create_directories(defaults.folder());
+    for (const char *damage : {"first\n", "second\n", "third\n"}) {
+        testing::writeFile(defaultsFile(), damage);
+        EXPECT_EQ(defaults.stringForKey("key"), std::nullopt);
+    }
+    EXPECT_EQ(testing::readFile(defaultsFile("defaults.damaged")), "first\n");
+    EXPECT_EQ(testing::readFile(defaultsFile("defaults.damaged.2")), "second\n");
+    EXPECT_EQ(testing::readFile(defaultsFile("defaults.damaged.3")), "third\n");
+    EXPECT_EQ(modeOf(defaultsFile("defaults.damaged")), 0600U);
+}
+
+TEST_F(UserDefaultsOfATest, AByteOrderMarkAndCommentsAreRead) {
+    std::filesystem::create_directories(defaults.folder());
+    const std::string text = "# mine\n[Defaults]\n; my units\nunits=string:metric\n";
+    testing::writeFile(defaultsFile(), "\xEF\xBB\xBF" + text);
+    EXPECT_EQ(defaults.stringForKey("units"), "metric");
+    defaults.setObject("x", "key");
+    EXPECT_EQ(testing::readFile(defaultsFile()), text + "key=string:x\n");
+    EXPECT_THAT(log.lines, IsEmpty());
+}
+
+TEST_F(UserDefaultsOfATest, ASymbolicLinkIsWrittenThrough) {
+    const std::string target = folder.file("dotfiles/defaults");
+    std::filesystem::create_directories(folder.file("dotfiles"));
+    std::filesystem::create_directories(defaults.folder());
+    std::filesystem::create_symlink("../dotfiles/link", defaultsFile());
+    std::filesystem::create_symlink(target, folder.file("dotfiles/link"));
+    for (const char *text : {"made", "changed"}) { // first by way of a link to nothing
+        defaults.setObject(text, "key");
+        EXPECT_EQ(testing::readFile(target), std::string("[Defaults]\nkey=string:") + text + "\n");
+        EXPECT_TRUE(std::filesystem::is_symlink(defaultsFile()));
+        EXPECT_TRUE(std::filesystem::is_symlink(folder.file("dotfiles/link")));
+    }
+    EXPECT_EQ(defaults.stringForKey("key"), "changed");
+    EXPECT_THAT(log.lines, IsEmpty());
+}
+
+TEST_F(UserDefaultsOfATest, LinksThatGoRoundAreNotReplaced) {
+    std::filesystem::create_directories(defaults.folder());
+    std::filesystem::create_symlink("defaults.ini", defaultsFile());
+    defaults.setObject("x", "key");
+    EXPECT_TRUE(std::filesystem::is_symlink(defaultsFile()));
+    EXPECT_THAT(log.lines, ElementsAre(HasSubstr("Error writing the user defaults")));
+}
+
+TEST_F(UserDefaultsOfATest, AWriteThatMeetsNothingButDamageKeepsItAside) {
     defaults.setObject("x", "key");
     testing::writeFile(defaultsFile(), std::string(1000, '\0'));
     defaults.setObject("y", "other");
@@ -145,20 +207,28 @@ TEST_F(UserDefaultsOfATest, WhatIsNoFileIsMovedAside) {
     ASSERT_EQ(::mkfifo(defaultsFile().c_str(), 0600), 0);
     EXPECT_EQ(defaults.stringForKey("key"), std::nullopt); // and does not wait for a writer
     EXPECT_EQ(log.lines.size(), 1U);
-    std::filesystem::remove(defaultsFile("defaults.damaged"));
+    EXPECT_TRUE(std::filesystem::is_fifo(defaultsFile("defaults.damaged")));
+    std::filesystem::remove(defaultsFile());
     std::filesystem::create_directory(defaultsFile());
     defaults.setObject("y", "key");
+    EXPECT_TRUE(std::filesystem::is_directory(defaultsFile("defaults.damaged.2")));
     EXPECT_EQ(defaults.stringForKey("key"), "y");
     EXPECT_EQ(log.lines.size(), 2U);
 }
 
-TEST_F(UserDefaultsOfATest, DamageThatCannotBeMovedAsideIsLeft) {
-    std::filesystem::create_directories(defaultsFile());
-    std::filesystem::create_directories(defaultsFile("defaults.damaged") + "/full");
-    defaults.setObject("y", "key");
-    EXPECT_EQ(defaults.stringForKey("key"), std::nullopt);
-    EXPECT_THAT(log.lines, ElementsAre(HasSubstr("cannot be moved aside"),
-                                       HasSubstr("cannot be moved aside")));
+TEST_F(UserDefaultsOfATest, DamageThatCannotBeKeptAsideIsLeftAndItsGoodLinesAreRead) {
+    const std::string damage = "[Defaults]\nkey=string:x\nnonsense\n";
+    defaults.setObject("x", "key");
+    testing::writeFile(defaultsFile(), damage);
+    std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(defaults.folder(), std::filesystem::perms(0555));
+    std::filesystem::permissions(defaultsFile(), std::filesystem::perms(0444));
+    std::filesystem::permissions(defaultsFile("defaults.lock"), std::filesystem::perms(0666));
+    const testing::Outcome outcome =
+        testing::probe({"--ordinary", "set", defaults.folder(), "key", "y"});
+    EXPECT_EQ(outcome.output, "x\n");
+    EXPECT_THAT(outcome.errors, AllOf(HasSubstr("damaged"), HasSubstr("Permission denied")));
+    EXPECT_EQ(testing::readFile(defaultsFile()), damage);
 }
 
 TEST_F(UserDefaultsOfATest, AFileThatIsTooLargeCountsAsDamaged) {
@@ -175,6 +245,39 @@ TEST_F(UserDefaultsOfATest, AWriteThatWouldMakeTheFileTooLargeIsNotMade) {
     EXPECT_EQ(defaults.stringForKey("key"), "x");
     EXPECT_EQ(defaults.dataForKey("large"), std::nullopt);
     EXPECT_THAT(log.lines, ElementsAre(HasSubstr("Error writing the user defaults")));
+}
+
+TEST_F(UserDefaultsOfATest, SayWhetherTheyKeptWhatWasSet) {
+    EXPECT_FALSE(defaults.setObject("x", "key"));
+    EXPECT_FALSE(defaults.removeObjectForKey("key"));
+    EXPECT_EQ(defaults.setObject(Data(UserDefaults::largestFile), "large"),
+              std::errc::file_too_large);
+    testing::writeFile(folder.file("file"), "in the way");
+    const UserDefaults others(folder.file("file/folder"));
+    EXPECT_EQ(others.setObject("x", "key"), std::errc::not_a_directory);
+    EXPECT_EQ(others.removeObjectForKey("key"), std::errc::not_a_directory);
+}
+
+TEST_F(UserDefaultsOfATest, TellAFaultWithoutMendingIt) {
+    EXPECT_EQ(defaults.fault(), "");
+    EXPECT_FALSE(std::filesystem::exists(defaults.folder()));
+    defaults.setObject("x", "key");
+    EXPECT_EQ(defaults.fault(), "");
+    testing::writeFile(defaultsFile(), "[Defaults]\nnonsense\nmore of it\n");
+    testing::writeFile(defaultsFile("defaults.damaged"), "earlier");
+    for (int look = 0; look < 2; ++look) {
+        EXPECT_EQ(defaults.fault(), "The user defaults in " + defaultsFile() +
+                                        " are damaged: line 2 and 1 more cannot be understood; "
+                                        "whoever uses them next mends them and keeps what is "
+                                        "there in " +
+                                        defaultsFile("defaults.damaged.2"));
+    }
+    EXPECT_THAT(log.lines, IsEmpty());
+    EXPECT_EQ(defaults.stringForKey("key"), std::nullopt);
+    EXPECT_EQ(defaults.fault(), "");
+    std::filesystem::remove(defaultsFile());
+    std::filesystem::create_symlink("defaults.ini", defaultsFile());
+    EXPECT_THAT(defaults.fault(), HasSubstr("Error reading the user defaults"));
 }
 
 TEST_F(UserDefaultsOfATest, AFileInPlaceOfTheFolderIsOneLineForAWrite) {
@@ -224,7 +327,7 @@ TEST_F(UserDefaultsOfATest, OnAFullDiskStayAsTheyWereAndOneLineIsLogged) {
     EXPECT_EQ(outcome.output, "x\n");
     EXPECT_THAT(outcome.errors, HasSubstr("Error writing the user defaults"));
     EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1);
-    EXPECT_FALSE(std::filesystem::exists(defaultsFile("defaults.new")));
+    EXPECT_THAT(filesIn(defaults.folder()), ElementsAre("defaults.ini", "defaults.lock"));
     EXPECT_EQ(defaults.stringForKey("key"), "x");
 }
 

@@ -2,6 +2,7 @@
 
 #include <Pelluvia/storage/internal/BookmarkRecord.h>
 #include <Pelluvia/storage/internal/DocumentStore.h>
+#include <Pelluvia/storage/internal/FolderSearch.h>
 #include <Pelluvia/storage/internal/FolderWalk.h>
 #include <Pelluvia/system/Localization.h>
 #include <Pelluvia/values/CocoaErrors.h>
@@ -76,6 +77,34 @@ std::optional<std::string> placeInStore(const BookmarkRecord &record) {
     return std::nullopt;
 }
 
+/// Where a folder was found.
+struct Place {
+    std::string path;
+    bool isElsewhere = false; ///< than the record says, or on a disk with another number
+};
+
+/// Finds the folder of a record where it was, or under another name. Returns why it is not found.
+ErrorPtr findWithoutStore(const BookmarkRecord &record, Place &place) {
+    storage::FolderIdentity identity;
+    const WalkResult result = storage::walkTo(record.path, identity);
+    const bool hasArrived = result == WalkResult::Arrived;
+    if (hasArrived && isTakenFor(identity, record.identity)) {
+        place = {record.path, !(identity == record.identity)};
+        return nullptr;
+    }
+    const ErrorPtr reason = hasArrived ? errorOf(NSFileReadNoSuchFileError,
+                                                 "Another folder is in its place", record.path)
+                                       : errorOf(result, record.path);
+    // A link in the way is refused, and what must not be read is not looked around for.
+    if (hasArrived || result == WalkResult::Gone || result == WalkResult::NotAFolder) {
+        if (auto found = storage::findRenamed(record.path, record.identity)) {
+            place = {std::move(*found), true};
+            return nullptr;
+        }
+    }
+    return reason;
+}
+
 } // namespace
 
 std::optional<Data> Bookmark::bookmarkData(const URL &folder, ErrorPtr *error) {
@@ -102,26 +131,19 @@ std::optional<URL> Bookmark::URLByResolvingBookmarkData(const Data &data, bool *
         give(errorOf(NSFileReadCorruptFileError, reason), error);
         return std::nullopt;
     }
-    bool isElsewhere = false;
-    std::string path = record.path;
-    const auto place = placeInStore(record);
-    if (place) {
+    Place place;
+    if (auto inStore = placeInStore(record)) {
         // The store gives out new numbers whenever it is mounted, so the identity says nothing.
-        path = *place;
-        isElsewhere = path != record.path;
-    } else {
-        storage::FolderIdentity identity;
-        const WalkResult result = storage::walkTo(path, identity);
-        if (result != WalkResult::Arrived) {
-            give(errorOf(result, path), error);
-            return std::nullopt;
-        }
-        isElsewhere = identity != record.identity;
+        place.isElsewhere = *inStore != record.path;
+        place.path = std::move(*inStore);
+    } else if (const ErrorPtr reason = findWithoutStore(record, place)) {
+        give(reason, error);
+        return std::nullopt;
     }
     if (isStale != nullptr) {
-        *isStale = isElsewhere;
+        *isStale = place.isElsewhere;
     }
-    return URL::fileURLWithPath(path);
+    return URL::fileURLWithPath(place.path);
 }
 
 } // namespace pelluvia

@@ -66,6 +66,7 @@ bool readFields(std::string_view fields, BookmarkRecord &record) {
         return false;
     }
     record.path = *path;
+    record.identity.born = takeLine(fields, "born").value_or("");
     record.document = takeLine(fields, "document").value_or("");
     return fields.empty();
 }
@@ -77,6 +78,9 @@ Data encoded(const BookmarkRecord &record) {
     std::string text = std::string(versionMark).append(version) + "\nfolder " + uri.get() +
                        "\ndevice " + std::to_string(record.identity.device) + "\ninode " +
                        std::to_string(record.identity.inode) + "\n";
+    if (!record.identity.born.empty()) {
+        text += "born " + record.identity.born + "\n";
+    }
     if (!record.document.empty()) {
         text += "document " + record.document + "\n";
     }

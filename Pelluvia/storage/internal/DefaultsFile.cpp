@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <system_error>
 #include <utility>
@@ -74,19 +75,49 @@ void syncFolder(const std::string &folder) {
     }
 }
 
-/// Writes a new file, to the disk. Returns an error number.
+/// Writes a file that must not be there yet, to the disk. When that fails, there is none. Returns
+/// an error number.
 int writeNew(const std::string &path, std::string_view content) {
-    // Left over from a process that was killed: nobody else is here, since we hold the lock.
-    ::unlink(path.c_str());
     const FileDescriptor descriptor(::open(
         path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, forTheUserAlone));
-    if (!descriptor.isOpen() || ::fchmod(descriptor.number(), forTheUserAlone) != 0) {
+    if (!descriptor.isOpen()) {
         return errno;
     }
-    if (const int error = writeAll(descriptor.number(), content)) {
-        return error;
+    int error = ::fchmod(descriptor.number(), forTheUserAlone) != 0 ? errno : 0;
+    if (error == 0) {
+        error = writeAll(descriptor.number(), content);
     }
-    return ::fsync(descriptor.number()) != 0 ? errno : 0;
+    if (error == 0 && ::fsync(descriptor.number()) != 0) {
+        error = errno;
+    }
+    if (error != 0) {
+        ::unlink(path.c_str());
+    }
+    return error;
+}
+
+/// Where a chain of symbolic links ends, whether or not something is there. A chain without an end
+/// is left somewhere: such a file cannot be opened, so nobody writes it.
+std::filesystem::path endOfLinks(std::filesystem::path path) {
+    constexpr int longestChain = 40;
+    for (int links = 0; links < longestChain; ++links) {
+        std::error_code error;
+        const auto next = std::filesystem::read_symlink(path, error);
+        if (error) {
+            break;
+        }
+        path = path.parent_path() / next;
+    }
+    return path;
+}
+
+/// How lines that were not understood are called.
+std::string linesOf(const DefaultsText &entries) {
+    std::string text = "line " + std::to_string(entries.firstBadLine());
+    if (entries.badLineCount() > 1) {
+        text += " and " + std::to_string(entries.badLineCount() - 1) + " more";
+    }
+    return text + " cannot be understood";
 }
 
 } // namespace
@@ -99,23 +130,22 @@ DefaultsFile::Look DefaultsFile::look() const {
     const FileDescriptor descriptor(::open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (!descriptor.isOpen()) {
         const bool isAbsent = errno == ENOENT || errno == ENOTDIR;
-        return isAbsent ? Look{DefaultsText(), 0} : Look{std::nullopt, errno};
+        return {.error = isAbsent ? 0 : errno};
     }
     struct stat status {};
     if (::fstat(descriptor.number(), &status) != 0) {
-        return {std::nullopt, errno};
+        return {.error = errno};
     }
     if (!S_ISREG(status.st_mode)) {
-        return {std::nullopt, 0};
+        return {.isNoText = true};
     }
-    std::string content;
-    if (const int error = readAll(descriptor.number(), content)) {
-        return {std::nullopt, error};
+    Look found;
+    found.error = readAll(descriptor.number(), found.content);
+    found.isNoText = found.error == 0 && found.content.size() > UserDefaults::largestFile;
+    if (found.error == 0 && !found.isNoText) {
+        found.entries = DefaultsText::parsed(found.content);
     }
-    if (content.size() > UserDefaults::largestFile) {
-        return {std::nullopt, 0};
-    }
-    return {DefaultsText::parsed(content), 0};
+    return found;
 }
 
 int DefaultsFile::lock(FileLock &held) const {
@@ -132,81 +162,117 @@ int DefaultsFile::lock(FileLock &held) const {
     return held.take(std::move(file));
 }
 
-std::optional<DefaultsText> DefaultsFile::moveAside(std::string &problem) const {
-    const std::string aside = folder_ + "/defaults.damaged";
-    problem = "The user defaults in " + path_ + " are damaged";
-    if (::rename(path_.c_str(), aside.c_str()) != 0) {
-        problem += " and cannot be moved aside: " + reason(errno);
-        return std::nullopt;
+std::string DefaultsFile::faultOf(const Look &found) const {
+    if (found.error != 0) {
+        return "Error reading the user defaults in " + path_ + ": " + reason(found.error);
     }
-    problem += "; moved to " + aside;
-    return DefaultsText();
+    if (!found.isDamaged()) {
+        return {};
+    }
+    return "The user defaults in " + path_ + " are damaged: " +
+           (found.isNoText ? "no file, or too large a file" : linesOf(found.entries));
+}
+
+std::string DefaultsFile::fault() const {
+    const Look found = look();
+    const std::string fault = faultOf(found);
+    return found.error == 0 && found.isDamaged()
+               ? fault + "; whoever uses them next mends them and keeps what is there in " +
+                     freeName()
+               : fault;
 }
 
 DefaultsText DefaultsFile::read(std::string &problem) const {
     Look found = look();
-    if (found.entries) {
-        return std::move(*found.entries);
-    }
-    FileLock held;
-    int error = found.error;
-    if (error == 0 && (error = lock(held)) == 0) {
-        // With the lock held nobody is replacing it, and perhaps somebody just has.
-        found = look();
-        if (!found.entries && found.error == 0) {
-            found.entries = moveAside(problem);
+    if (found.error == 0 && found.isDamaged()) {
+        FileLock held;
+        int error = lock(held);
+        if (error == 0) {
+            // With the lock held nobody is replacing it, and perhaps somebody just has.
+            found = look();
+            error = found.isDamaged() ? rewrite(
+                                            found, [](const DefaultsText & /*entries*/) {}, problem)
+                                      : 0;
+        } else {
+            problem = faultOf(found);
         }
-        error = found.error;
+        if (error != 0) {
+            problem += "; it cannot be mended: " + reason(error);
+        }
     }
-    if (error != 0) {
-        problem = "Error reading the user defaults in " + path_ + ": " + reason(error);
+    if (found.error != 0) {
+        problem = faultOf(found);
     }
-    return found.entries ? std::move(*found.entries) : DefaultsText();
+    return std::move(found.entries);
 }
 
-void DefaultsFile::update(const std::function<void(DefaultsText &)> &change,
-                          std::string &problem) const {
+int DefaultsFile::update(const std::function<void(DefaultsText &)> &change,
+                         std::string &problem) const {
     FileLock held;
     int error = makeFolders(folder_);
     if (error == 0) {
         error = lock(held);
     }
-    Look found;
     if (error == 0) {
-        found = look();
-        error = found.error;
-    }
-    if (error == 0 && !found.entries) {
-        found.entries = moveAside(problem);
-        if (!found.entries) {
-            return;
-        }
-    }
-    if (error == 0) {
-        change(*found.entries);
-        error = replace(found.entries->text());
+        Look found = look();
+        error = found.error != 0 ? found.error : rewrite(found, change, problem);
     }
     if (error != 0) {
         problem += (problem.empty() ? "" : "; ") + ("Error writing the user defaults in " + path_) +
                    ": " + reason(error);
     }
+    return error;
+}
+
+int DefaultsFile::rewrite(Look &found, const std::function<void(DefaultsText &)> &change,
+                          std::string &problem) const {
+    if (found.isDamaged()) {
+        problem = faultOf(found);
+        // Nobody takes the name in between, since we hold the lock.
+        const std::string name = freeName();
+        if (const int error = keepAside(found, name)) {
+            return error;
+        }
+        problem += "; what was there is kept in " + name;
+    }
+    change(found.entries);
+    return replace(found.entries.text());
+}
+
+std::string DefaultsFile::freeName() const {
+    std::string name = folder_ + "/defaults.damaged";
+    struct stat status {};
+    for (int number = 2; ::lstat(name.c_str(), &status) == 0; ++number) {
+        name = folder_ + "/defaults.damaged." + std::to_string(number);
+    }
+    return name;
+}
+
+int DefaultsFile::keepAside(const Look &found, const std::string &name) const {
+    if (!found.isNoText) {
+        return writeNew(name, found.content);
+    }
+    return ::rename(path_.c_str(), name.c_str()) != 0 ? errno : 0;
 }
 
 int DefaultsFile::replace(const std::string &content) const {
     if (content.size() > UserDefaults::largestFile) {
         return EFBIG;
     }
-    const std::string temporary = folder_ + "/defaults.new";
+    const std::filesystem::path target = endOfLinks(path_);
+    const std::string temporary =
+        target.parent_path() / ("." + target.filename().string() + ".pelluvia-new");
+    // Left over from a process that was killed: nobody else is here, since we hold the lock.
+    ::unlink(temporary.c_str());
     int error = writeNew(temporary, content);
-    if (error == 0 && ::rename(temporary.c_str(), path_.c_str()) != 0) {
+    if (error == 0 && ::rename(temporary.c_str(), target.c_str()) != 0) {
         error = errno;
-    }
-    if (error != 0) {
         ::unlink(temporary.c_str());
-        return error;
     }
-    syncFolder(folder_);
-    return 0;
+    if (error == 0) {
+        syncFolder(target.parent_path());
+    }
+    return error;
 }
 
 } // namespace pelluvia::storage

@@ -16,25 +16,41 @@ class DefaultsFile {
   public:
     explicit DefaultsFile(std::string folder);
 
-    /// The entries; none where there is no file. `problem` says what was wrong, if anything.
+    /// What is wrong with the file, in one line; empty when nothing is. Changes nothing.
+    [[nodiscard]] std::string fault() const;
+    /// The entries; none where there is no file. A damaged file is mended. `problem` says what was
+    /// wrong, if anything.
     [[nodiscard]] DefaultsText read(std::string &problem) const;
-    /// Changes the entries. When that fails, the file is as it was and `problem` says why;
-    /// it also tells of damage that was moved aside.
-    void update(const std::function<void(DefaultsText &)> &change, std::string &problem) const;
+    /// Changes the entries. Returns an error number; unless it is 0, the file is as it was and
+    /// `problem` says why. `problem` also tells of damage that was mended.
+    [[nodiscard]] int update(const std::function<void(DefaultsText &)> &change,
+                             std::string &problem) const;
 
   private:
-    /// What a look at the file gave. Without entries it is damaged or, with an error number,
-    /// cannot be read.
+    /// What a look at the file gave.
     struct Look {
-        std::optional<DefaultsText> entries;
-        int error = 0;
+        int error = 0;            ///< why it cannot be read
+        bool isNoText = false;    ///< it is not a regular file, or too large
+        std::string content = {}; ///< as it stands there
+        DefaultsText entries = {};
+
+        [[nodiscard]] bool isDamaged() const noexcept {
+            return isNoText || entries.badLineCount() > 0;
+        }
     };
 
     [[nodiscard]] Look look() const;
     /// Takes the lock; an error number when it cannot be had.
     [[nodiscard]] int lock(FileLock &held) const;
-    /// Entries to begin anew with; `problem` tells it. Nothing when the file is still in the way.
-    [[nodiscard]] std::optional<DefaultsText> moveAside(std::string &problem) const;
+    /// What is wrong with what was found.
+    [[nodiscard]] std::string faultOf(const Look &found) const;
+    /// Writes changed entries, and before that keeps aside what was damaged. An error number.
+    [[nodiscard]] int rewrite(Look &found, const std::function<void(DefaultsText &)> &change,
+                              std::string &problem) const;
+    /// A path beside the file that nothing bears yet, for what is damaged.
+    [[nodiscard]] std::string freeName() const;
+    /// Keeps what was found under such a path. An error number.
+    [[nodiscard]] int keepAside(const Look &found, const std::string &name) const;
     /// An error number, 0 when the file was replaced.
     [[nodiscard]] int replace(const std::string &content) const;
 

@@ -5,7 +5,10 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <functional>
+#include <glib.h>
 #include <mutex>
+#include <system_error>
 #include <utility>
 
 namespace pelluvia {
@@ -40,10 +43,20 @@ std::string configurationFolder() {
     return set != nullptr && *set == '/' ? set : std::string(g_get_home_dir()) + "/.config";
 }
 
+// Problems are told when the file's lock has been let go: who takes the log's lines may use the
+// defaults.
 void tell(const std::string &problem) {
     if (!problem.empty()) {
         logLine(problem);
     }
+}
+
+std::error_code change(const std::string &folder,
+                       const std::function<void(storage::DefaultsText &)> &how) {
+    std::string problem;
+    const int error = storage::DefaultsFile(folder).update(how, problem);
+    tell(problem);
+    return error != 0 ? std::error_code(error, std::generic_category()) : std::error_code();
 }
 
 template <class T>
@@ -70,21 +83,16 @@ bool UserDefaults::setApplicationIdentifier(std::string_view name) {
 
 UserDefaults::UserDefaults(std::string folder) : folder_(std::move(folder)) {}
 
-// Problems are told when the file's lock has been let go: who takes the log's lines may use the
-// defaults.
-
-void UserDefaults::setObject(const DefaultsObject &object, std::string_view key) const {
-    std::string problem;
-    storage::DefaultsFile(folder_).update(
-        [&](storage::DefaultsText &entries) { entries.set(key, object); }, problem);
-    tell(problem);
+std::error_code UserDefaults::setObject(const DefaultsObject &object, std::string_view key) const {
+    return change(folder_, [&](storage::DefaultsText &entries) { entries.set(key, object); });
 }
 
-void UserDefaults::removeObjectForKey(std::string_view key) const {
-    std::string problem;
-    storage::DefaultsFile(folder_).update(
-        [&](storage::DefaultsText &entries) { entries.remove(key); }, problem);
-    tell(problem);
+std::error_code UserDefaults::removeObjectForKey(std::string_view key) const {
+    return change(folder_, [&](storage::DefaultsText &entries) { entries.remove(key); });
+}
+
+std::string UserDefaults::fault() const {
+    return storage::DefaultsFile(folder_).fault();
 }
 
 std::optional<DefaultsObject> UserDefaults::objectForKey(std::string_view key) const {

@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -35,73 +36,67 @@ int printURL(const URL &folder) {
     return out.close() ? exitStatus::done : exitStatus::cannotWrite;
 }
 
-/// Log lines of the prompt, which tell what its outcome does not: that a grant was not kept.
-class PromptLog {
+/// Says what is wrong with the file that holds the grants, if anything is.
+class DefaultsFault {
   public:
-    explicit PromptLog(bool isShown) {
-        setLogSink([this, isShown](std::string_view line) {
-            if (isShown) {
-                say("log: " + std::string(line));
-            } else {
-                lines_.emplace_back(line);
-            }
-            couldWrite_ = couldWrite_ && !line.starts_with("Error writing");
-        });
-    }
-    PromptLog(const PromptLog &) = delete;
-    PromptLog &operator=(const PromptLog &) = delete;
-    ~PromptLog() { setLogSink({}); }
-
-    [[nodiscard]] bool couldWrite() const noexcept { return couldWrite_; }
-    void complainOfAll() const {
-        for (const std::string &line : lines_) {
-            complain(line);
+    DefaultsFault() : text_(UserDefaults::standardUserDefaults().fault()) {
+        if (!text_.empty()) {
+            complain(text_);
         }
     }
 
+    /// The status of a command that has done all else.
+    [[nodiscard]] int statusAfter(int status) const noexcept {
+        return status == exitStatus::done && !text_.empty() ? exitStatus::badInput : status;
+    }
+
   private:
-    std::vector<std::string> lines_;
-    bool couldWrite_ = true;
+    std::string text_;
+};
+
+/// How a prompt ended.
+struct Outcome {
+    ErrorPtr error;
+    std::error_code keeping;
 };
 
 /// Shows the prompt and runs the main loop until it has ended.
-ErrorPtr ask(const std::string &folder) {
+Outcome ask(const std::string &folder) {
     const std::unique_ptr<GMainLoop, decltype(&g_main_loop_unref)> loop(
         g_main_loop_new(nullptr, FALSE), g_main_loop_unref);
-    ErrorPtr outcome;
-    GPSStorageAuthorization::authorizePath(folder, "", [&](const ErrorPtr &error) {
-        outcome = error;
-        g_main_loop_quit(loop.get());
-    });
+    Outcome outcome;
+    GPSStorageAuthorization::authorizePathAndReport(
+        folder, "", [&](const ErrorPtr &error, std::error_code keeping) {
+            outcome = {error, keeping};
+            g_main_loop_quit(loop.get());
+        });
     g_main_loop_run(loop.get());
     return outcome;
 }
 
-int authorize(const std::string &folder, bool isVerbose) {
-    const PromptLog log(isVerbose);
-    const ErrorPtr error = ask(folder);
-    if (error != nullptr) {
-        const bool isCancelled =
-            error->domain() == NSCocoaErrorDomain && error->code() == userCanceledPanel;
+int authorize(const std::string &folder) {
+    const Outcome outcome = ask(folder);
+    if (outcome.error != nullptr) {
+        const bool isCancelled = outcome.error->domain() == NSCocoaErrorDomain &&
+                                 outcome.error->code() == userCanceledPanel;
         complain("no folder was granted for " + folder + ": " +
-                 (isCancelled ? "cancelled" : error->localizedDescription()));
+                 (isCancelled ? "cancelled" : outcome.error->localizedDescription()));
         return exitStatus::badInput;
     }
-    const auto granted = GPSStorageAuthorization::authorizedBookmarkURLForPath(folder, nullptr);
-    if (!granted || !log.couldWrite()) {
-        log.complainOfAll();
-        complain("the grant could not be kept");
+    if (outcome.keeping) {
+        complain("the grant could not be kept in " + UserDefaults::standardUserDefaults().folder() +
+                 ": " + outcome.keeping.message());
         return exitStatus::cannotWrite;
+    }
+    const auto granted = GPSStorageAuthorization::authorizedBookmarkURLForPath(folder, nullptr);
+    if (!granted) {
+        complain("the folder that was granted is gone again");
+        return exitStatus::badInput;
     }
     return printURL(*granted);
 }
 
 int authorized(const std::string &folder, bool isVerbose) {
-    if (isVerbose) {
-        showLogLines();
-    } else {
-        setLogSink([](std::string_view /*line*/) {}); // the answer says it
-    }
     const auto granted = GPSStorageAuthorization::authorizedBookmarkURLForPath(folder, nullptr);
     if (!granted) {
         complain("there is no grant for " + folder + (isVerbose ? "" : " (--verbose says why)"));
@@ -115,17 +110,21 @@ int run(std::vector<std::string> arguments) {
     if (isVerbose) {
         arguments.erase(arguments.begin() + 1);
     }
-    UserDefaults::setApplicationIdentifier("pelluvia");
-    if (arguments.size() == 3 && arguments[1] == "--") {
-        if (arguments[0] == "authorize") {
-            return authorize(arguments[2], isVerbose);
-        }
-        if (arguments[0] == "authorized") {
-            return authorized(arguments[2], isVerbose);
-        }
+    const bool isQuestion = !arguments.empty() && arguments[0] == "authorized";
+    const bool isPrompt = !arguments.empty() && arguments[0] == "authorize";
+    if (arguments.size() != 3 || arguments[1] != "--" || (!isQuestion && !isPrompt)) {
+        complain("this program is a part of pelluvia; try: pelluvia authorize --help");
+        return exitStatus::wrongUsage;
     }
-    complain("this program is a part of pelluvia; try: pelluvia authorize --help");
-    return exitStatus::wrongUsage;
+    UserDefaults::setApplicationIdentifier("pelluvia");
+    if (isVerbose) {
+        showLogLines();
+    } else {
+        setLogSink([](std::string_view /*line*/) {}); // the answers say it
+    }
+    const DefaultsFault fault;
+    return fault.statusAfter(isQuestion ? authorized(arguments[2], isVerbose)
+                                        : authorize(arguments[2]));
 }
 
 } // namespace
