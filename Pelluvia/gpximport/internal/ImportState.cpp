@@ -7,6 +7,7 @@
 #include <Pelluvia/system/Localization.h>
 #include <Pelluvia/system/Log.h>
 #include <Pelluvia/values/CocoaErrors.h>
+#include <Pelluvia/values/ErrorText.h>
 
 #include <algorithm>
 #include <exception>
@@ -15,15 +16,6 @@
 namespace pelluvia {
 
 namespace {
-
-/// An error in one line.
-std::string lineOf(const ErrorPtr &error) {
-    if (error == nullptr) {
-        return "(null)";
-    }
-    return "Error Domain=" + error->domain() + " Code=" + std::to_string(error->code()) + " \"" +
-           error->localizedDescription() + "\"";
-}
 
 ErrorPtr stopError() {
     return Error::make(
@@ -213,7 +205,7 @@ void GPXFileImporter::State::countElements() {
     if (!isWhole && !elements.stopToken.stop_requested()) {
         const ErrorPtr error = parser != nullptr ? parser->parserError() : nullptr;
         logLine("parse error, but continuing, since it might be readible (error = " +
-                lineOf(error) + ")");
+                logTextOf(error) + ")");
     }
     countedFile = parser != nullptr ? parser->knownFile() : XMLKnownFile();
 }
