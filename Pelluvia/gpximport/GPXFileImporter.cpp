@@ -19,7 +19,7 @@ GPXFileImporter::initWithReceiver(std::shared_ptr<GPSOutputReceiver> receiver) {
 }
 
 GPXFileImporter::GPXFileImporter(std::shared_ptr<GPSOutputReceiver> receiver)
-    : state_(std::make_unique<State>(*this, std::move(receiver))) {}
+    : state_(std::make_unique<ImportState>(*this, std::move(receiver))) {}
 
 GPXFileImporter::~GPXFileImporter() = default;
 

@@ -18,6 +18,8 @@
 
 namespace pelluvia {
 
+class ImportState;
+
 /// Reads a GPX file and replays its content into one receiver.
 ///
 ///     auto importer = GPXFileImporter::initWithReceiver(receiver);
@@ -143,11 +145,9 @@ class PELLUVIA_EXPORT GPXFileImporter : public XMLParserDelegate {
     void parseErrorOccurred(XMLParser &parser, const ErrorPtr &error) override;
 
   private:
-    class State;
-
     explicit GPXFileImporter(std::shared_ptr<GPSOutputReceiver> receiver);
 
-    std::unique_ptr<State> state_;
+    std::unique_ptr<ImportState> state_;
 };
 
 } // namespace pelluvia

@@ -66,17 +66,17 @@ class StoppableCounter final : public GPXImportCounter {
 
 } // namespace
 
-std::optional<URL> GPXFileImporter::State::fileURL() const {
+std::optional<URL> ImportState::fileURL() const {
     const std::scoped_lock lock(fileURLMutex);
     return _fileURL;
 }
 
-void GPXFileImporter::State::setFileURL(std::optional<URL> newURL) {
+void ImportState::setFileURL(std::optional<URL> newURL) {
     const std::scoped_lock lock(fileURLMutex);
     _fileURL.swap(newURL); // the old one is destroyed outside the lock
 }
 
-ErrorPtr GPXFileImporter::State::process(Source newSource) {
+ErrorPtr ImportState::process(Source newSource) {
     fault.reset();
     source = newSource;
     parses = 1U + static_cast<unsigned>(doRoutes) + static_cast<unsigned>(doWaypoints) +
@@ -85,7 +85,7 @@ ErrorPtr GPXFileImporter::State::process(Source newSource) {
     sourceSize.reset();
     /// What is known is of one import; and one that was cut short leaves no elements behind.
     struct Forgetting {
-        explicit Forgetting(State &itsState) : state(itsState) {}
+        explicit Forgetting(ImportState &itsState) : state(itsState) {}
         Forgetting(const Forgetting &) = delete;
         Forgetting &operator=(const Forgetting &) = delete;
         ~Forgetting() {
@@ -98,7 +98,7 @@ ErrorPtr GPXFileImporter::State::process(Source newSource) {
                 state.elements.forgetElements();
             }
         }
-        State &state;
+        ImportState &state;
         int exceptions = std::uncaught_exceptions();
     };
     const Forgetting atTheEnd(*this);
@@ -109,7 +109,7 @@ ErrorPtr GPXFileImporter::State::process(Source newSource) {
     return error;
 }
 
-ErrorPtr GPXFileImporter::State::countAndRunPasses() {
+ErrorPtr ImportState::countAndRunPasses() {
     const auto *const descriptor = std::get_if<int>(&source);
     if (descriptor != nullptr && !XMLParser::initWithDescriptor(*descriptor)->sourceSize()) {
         return rereadingError();
@@ -118,7 +118,7 @@ ErrorPtr GPXFileImporter::State::countAndRunPasses() {
     return runParsers();
 }
 
-GPXImportFault GPXFileImporter::State::faultOf(const Error &error) const {
+GPXImportFault ImportState::faultOf(const Error &error) const {
     GPXImportFault found;
     const bool isAbort = error.domain() == NSXMLParserErrorDomain &&
                          error.code() == NSXMLParserDelegateAbortedParseError;
@@ -138,7 +138,7 @@ GPXImportFault GPXFileImporter::State::faultOf(const Error &error) const {
     return found;
 }
 
-ErrorPtr GPXFileImporter::State::runParsers() {
+ErrorPtr ImportState::runParsers() {
     if (elements.output == nullptr) {
         return Error::make(gpsPluginErrorDomain, gpsPluginFailure);
     }
@@ -155,12 +155,12 @@ ErrorPtr GPXFileImporter::State::runParsers() {
     return doTracks ? runPass(transferKind::tracks) : nullptr;
 }
 
-bool GPXFileImporter::State::isLastPass(std::int32_t kind) const noexcept {
+bool ImportState::isLastPass(std::int32_t kind) const noexcept {
     const bool waypointsFollow = kind == transferKind::routes && doWaypoints;
     return kind == transferKind::tracks || (!waypointsFollow && !doTracks);
 }
 
-ErrorPtr GPXFileImporter::State::runPass(std::int32_t kind) {
+ErrorPtr ImportState::runPass(std::int32_t kind) {
     // After an import that ended within elements, a pass may go further than the next one.
     leavesOut = !isLastPass(kind) && elements.nesting() == ElementHandler::Nesting();
     ErrorPtr error = runParser(kind);
@@ -174,7 +174,7 @@ ErrorPtr GPXFileImporter::State::runPass(std::int32_t kind) {
 
 /// What the last pass leaves over, a later import may see: reads the file once more as that pass
 /// did, but completely, and for nobody.
-void GPXFileImporter::State::collectLeftOut() {
+void ImportState::collectLeftOut() {
     struct Unheard {
         explicit Unheard(ElementHandler &itsElements)
             : elements(itsElements),
@@ -197,7 +197,7 @@ void GPXFileImporter::State::collectLeftOut() {
     [[maybe_unused]] const bool isWhole = parser != nullptr && parser->parse();
 }
 
-void GPXFileImporter::State::countElements() {
+void ImportState::countElements() {
     counters = std::make_shared<StoppableCounter>(elements.stopToken);
     countedURL = fileURL();
     const auto parser = parserOf(countedURL, *counters);
@@ -210,8 +210,8 @@ void GPXFileImporter::State::countElements() {
     countedFile = parser != nullptr ? parser->knownFile() : XMLKnownFile();
 }
 
-std::unique_ptr<XMLParser> GPXFileImporter::State::parserOf(const std::optional<URL> &url,
-                                                            XMLParserDelegate &delegate) const {
+std::unique_ptr<XMLParser> ImportState::parserOf(const std::optional<URL> &url,
+                                                 XMLParserDelegate &delegate) const {
     std::unique_ptr<XMLParser> parser;
     if (const auto *const document = std::get_if<std::string_view>(&source)) {
         parser = XMLParser::initWithData(*document);
@@ -227,7 +227,7 @@ std::unique_ptr<XMLParser> GPXFileImporter::State::parserOf(const std::optional<
     return parser;
 }
 
-std::unique_ptr<XMLParser> GPXFileImporter::State::parserForElements() {
+std::unique_ptr<XMLParser> ImportState::parserForElements() {
     const auto readURL = fileURL();
     auto parser = parserOf(readURL, importer_);
     const bool isCounted = parser != nullptr && readURL == countedURL;
@@ -239,10 +239,11 @@ std::unique_ptr<XMLParser> GPXFileImporter::State::parserForElements() {
     return parser;
 }
 
-bool GPXFileImporter::State::parse(XMLParser &parser) {
+bool ImportState::parse(XMLParser &parser) {
     /// Also when the receiver throws, the parser is gone afterwards.
     struct Reading {
-        Reading(State &itsState, const XMLParser &itsParser) : state(itsState), parser(itsParser) {
+        Reading(ImportState &itsState, const XMLParser &itsParser)
+            : state(itsState), parser(itsParser) {
             state.reader = &parser;
         }
         Reading(const Reading &) = delete;
@@ -253,14 +254,14 @@ bool GPXFileImporter::State::parse(XMLParser &parser) {
             state.sourceSize = size ? size : state.sourceSize;
             state.bytesBefore += parser.bytesRead();
         }
-        State &state;
+        ImportState &state;
         const XMLParser &parser;
     };
     const Reading reading(*this, parser);
     return parser.parse();
 }
 
-ReadingProgress GPXFileImporter::State::readingProgress() const {
+ReadingProgress ImportState::readingProgress() const {
     ReadingProgress progress;
     progress.position = bytesBefore + (reader != nullptr ? reader->bytesRead() : 0);
     auto size = reader != nullptr ? reader->sourceSize() : std::nullopt;
@@ -271,13 +272,13 @@ ReadingProgress GPXFileImporter::State::readingProgress() const {
     return progress;
 }
 
-ErrorPtr GPXFileImporter::State::runSinglePass(std::int32_t kind) {
+ErrorPtr ImportState::runSinglePass(std::int32_t kind) {
     parses = 1;
     bytesBefore = 0;
     return runParser(kind);
 }
 
-ErrorPtr GPXFileImporter::State::runParser(std::int32_t kind) {
+ErrorPtr ImportState::runParser(std::int32_t kind) {
     recno = 0;
     elements.mode = kind;
     elements.lastError = nullptr;
@@ -303,7 +304,7 @@ ErrorPtr GPXFileImporter::State::runParser(std::int32_t kind) {
     return failed ? parser->parserError() : nullptr;
 }
 
-void GPXFileImporter::State::parseErrorOccurred(XMLParser &parser, const ErrorPtr &error) {
+void ImportState::parseErrorOccurred(XMLParser &parser, const ErrorPtr &error) {
     if (elements.stopToken.stop_requested()) {
         return;
     }

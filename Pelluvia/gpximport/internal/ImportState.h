@@ -18,10 +18,10 @@ namespace pelluvia {
 
 /// What an importer keeps, and the passes of its imports. What happens within a pass is the
 /// business of `elements`.
-class GPXFileImporter::State {
+class ImportState {
   public:
     /// The importer is what its parsers report to.
-    State(GPXFileImporter &importer, std::shared_ptr<GPSOutputReceiver> receiver)
+    ImportState(GPXFileImporter &importer, std::shared_ptr<GPSOutputReceiver> receiver)
         : elements(std::move(receiver)), importer_(importer) {}
 
     [[nodiscard]] std::optional<URL> fileURL() const;
