@@ -1,6 +1,6 @@
-# What `cmake --install` puts under the prefix: the shared libraries, the public headers, the CMake
-# package, pelluvia.pc and one .pc file for each component. The package asks for nothing: the XML
-# library, the JSON library and GIO are the shared libraries' own business.
+# What `cmake --install` puts under the prefix: the libraries, the public headers, the CMake package,
+# pelluvia.pc and one .pc file for each component. The package of shared libraries asks for nothing: the
+# XML library, the JSON library and GIO are their own business. Static ones need them from who links.
 
 option(PELLUVIA_INSTALL "Install the framework" ${PROJECT_IS_TOP_LEVEL})
 if(NOT PELLUVIA_INSTALL)
@@ -11,7 +11,7 @@ include(CMakePackageConfigHelpers)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Pelluvia)
 
 install(TARGETS Pelluvia EXPORT PelluviaTargets
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 # Public are the headers that lie directly in a folder of the framework, or of a format. Those further
 # down, and those named ...Internal.h, are not installed.
 file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
@@ -36,7 +36,7 @@ foreach(component formats storage)
     if(TARGET Pelluvia::${component})
         get_target_property(target Pelluvia::${component} ALIASED_TARGET)
         install(TARGETS ${target} EXPORT ${target}Targets
-            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
         install(EXPORT ${target}Targets NAMESPACE Pelluvia:: DESTINATION ${package_folder})
         list(APPEND pc_files pelluvia-${component})
     endif()
@@ -61,6 +61,12 @@ else()
     set(pc_prefix "\${pcfiledir}/${up}")
     set(pc_libdir "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
     set(pc_includedir "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
+endif()
+set(pc_requires "")
+set(pc_storage_requires "")
+if(NOT BUILD_SHARED_LIBS)
+    set(pc_requires "libxml-2.0")
+    set(pc_storage_requires ", gio-2.0")
 endif()
 foreach(each IN LISTS pc_files)
     configure_file(${CMAKE_CURRENT_LIST_DIR}/${each}.pc.in ${PROJECT_BINARY_DIR}/${each}.pc @ONLY)
