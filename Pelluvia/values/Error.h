@@ -41,17 +41,20 @@ inline constexpr std::string_view NSUnderlyingErrorKey = "NSUnderlyingError";
 /// Threads: immutable; share it freely.
 class PELLUVIA_EXPORT Error {
   public:
-    Error(std::string_view domain, std::int64_t code, ErrorInfo userInfo = {})
-        : domain_(domain), code_(code), userInfo_(std::move(userInfo)) {}
+    Error(std::string_view domain, std::int64_t code, ErrorInfo userInfo = {});
+    /// Copies share what they hold; so does an error that was moved from.
+    Error(const Error &) = default;
+    Error &operator=(const Error &) = default;
+    ~Error();
 
+    /// A new shared error.
     [[nodiscard]] static ErrorPtr make(std::string_view domain, std::int64_t code,
-                                       ErrorInfo userInfo = {}) {
-        return std::make_shared<const Error>(domain, code, std::move(userInfo));
-    }
+                                       ErrorInfo userInfo = {});
 
-    [[nodiscard]] const std::string &domain() const noexcept { return domain_; }
-    [[nodiscard]] std::int64_t code() const noexcept { return code_; }
-    [[nodiscard]] const ErrorInfo &userInfo() const noexcept { return userInfo_; }
+    /// What it was made of. Borrowed while the error, or a copy of it, lives.
+    [[nodiscard]] const std::string &domain() const noexcept;
+    [[nodiscard]] std::int64_t code() const noexcept;
+    [[nodiscard]] const ErrorInfo &userInfo() const noexcept;
 
     /// The value under a key of the user information, or null when there is none.
     [[nodiscard]] const ErrorValue *find(std::string_view key) const noexcept;
@@ -63,9 +66,8 @@ class PELLUVIA_EXPORT Error {
     [[nodiscard]] ErrorPtr underlyingError() const noexcept;
 
   private:
-    std::string domain_;
-    std::int64_t code_;
-    ErrorInfo userInfo_;
+    struct PELLUVIA_HIDDEN State;
+    std::shared_ptr<const State> state_; // never null
 };
 
 } // namespace pelluvia

@@ -51,5 +51,17 @@ TEST(Error, DescribesItselfByItsTextOrByDomainAndCode) {
               "d error -9223372036854775808");
 }
 
+TEST(Error, StaysWholeWhenItIsCopiedOrMovedFrom) {
+    Error first("domain", 1, {{std::string(NSFilePathErrorKey), "/a"}});
+    const Error copy = first;
+    Error moved = std::move(first);
+    EXPECT_EQ(first.domain(), "domain"); // NOLINT(bugprone-use-after-move): documented
+    EXPECT_EQ(copy.userInfo().size(), 1U);
+    moved = Error("other", 2);
+    EXPECT_EQ(moved.code(), 2);
+    EXPECT_EQ(copy.code(), 1);
+    EXPECT_EQ(first.userInfo().size(), 1U);
+}
+
 } // namespace
 } // namespace pelluvia
