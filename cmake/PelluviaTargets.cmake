@@ -81,6 +81,8 @@ endfunction()
 function(pelluvia_library target name)
     cmake_parse_arguments(this "" "OBJECTS" "USES" ${ARGN})
     add_library(${target} $<TARGET_OBJECTS:${this_OBJECTS}>)
+    # Inline variables that are unique in the whole process would keep the library from being unloaded.
+    target_compile_options(${this_OBJECTS} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
     set_target_properties(${target} PROPERTIES
         OUTPUT_NAME ${name} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
     if(NOT BUILD_SHARED_LIBS)

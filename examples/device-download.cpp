@@ -35,7 +35,7 @@ void downloadFromWatch(GPSOutputReceiver &receiver) {
     count.set(extras::count, Value(points)); // for who shows the progress
     receiver.startTransfer(nullptr, transferKind::tracks, &count);
     Dictionary track;
-    track.set(extras::name, Value("Evening run"));
+    track.set(extras::name, "Evening run");
     receiver.newTrack(&track);
     receiver.newTrackSegment();
     for (int i = 0; i < points; ++i) {

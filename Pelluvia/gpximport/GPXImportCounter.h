@@ -80,7 +80,7 @@ class PELLUVIA_EXPORT GPXImportCounter : public XMLParserDelegate {
                          const XMLAttributes &attributes) override;
 
   private:
-    struct State;
+    struct PELLUVIA_HIDDEN State;
 
     std::unique_ptr<State> state_;
 };

@@ -97,16 +97,16 @@ class PELLUVIA_EXPORT OutputFile {
 
   private:
     // Large enough that the cost of a system call a block no longer shows.
-    static constexpr std::size_t bufferSize = 256 * 1024;
+    PELLUVIA_HIDDEN static constexpr std::size_t bufferSize = 256 * 1024;
     static_assert(largestReservation < bufferSize);
 
     OutputFile();
-    [[nodiscard]] static std::unique_ptr<OutputFile> onDescriptor(int descriptor, bool isOwned,
-                                                                  std::error_code &error);
+    [[nodiscard]] PELLUVIA_HIDDEN static std::unique_ptr<OutputFile>
+    onDescriptor(int descriptor, bool isOwned, std::error_code &error);
 
     /// Writes a whole buffer to where it belongs.
-    void writeToDescriptor(std::string_view bytes);
-    void writeToMemory(std::string_view bytes);
+    PELLUVIA_HIDDEN void writeToDescriptor(std::string_view bytes);
+    PELLUVIA_HIDDEN void writeToMemory(std::string_view bytes);
     /// Appends bytes that do not fit the buffer, which is written each time it is full.
     void writeThrough(std::string_view bytes);
 

@@ -26,7 +26,7 @@ class PELLUVIA_EXPORT TimestampText {
 
   private:
     /// Keeps the day's text; false when its year is out of range.
-    [[nodiscard]] bool keepDay(std::int64_t day) noexcept;
+    [[nodiscard]] PELLUVIA_HIDDEN bool keepDay(std::int64_t day) noexcept;
 
     std::int64_t day_ = 0;        // days since 1970-01-01
     std::size_t dateLength_ = 0;  // 0: no day is kept

@@ -46,7 +46,7 @@ class PELLUVIA_EXPORT Dictionary : public RefCounted<Dictionary> {
     using Iterator = IndexIterator<Dictionary, Entry>;
 
     /// The key of the record that `wrapping` stores.
-    static constexpr Key recordKey = Key::known("point");
+    PELLUVIA_HIDDEN static constexpr Key recordKey = Key::known("point");
     /// The most bytes that such a record has.
     static constexpr std::size_t maxRecordSize = 40;
     /// The most entries with which a dictionary takes another key of a name of your own. Known keys
@@ -128,7 +128,7 @@ class PELLUVIA_EXPORT Dictionary : public RefCounted<Dictionary> {
     friend class ContainerRelease;
 
     /// What a dictionary that `wrapping` did not make allocates for its slots.
-    struct Block;
+    struct PELLUVIA_HIDDEN Block;
 
     [[nodiscard]] static Ref<Dictionary> wrappingBytes(const void *bytes, const char *encoding,
                                                        const Dictionary *entries);
@@ -155,16 +155,17 @@ class PELLUVIA_EXPORT Dictionary : public RefCounted<Dictionary> {
         const Entry *slot = slotOf(key);
         return slot != nullptr ? &slot->value : nullptr;
     }
-    [[nodiscard]] std::size_t capacity() const noexcept;
+    [[nodiscard]] PELLUVIA_HIDDEN std::size_t capacity() const noexcept;
     /// Adds behind all others; the key must not be there and there must be room.
-    void append(Key key, Value value) noexcept;
+    PELLUVIA_HIDDEN void append(Key key, Value value) noexcept;
     /// Moves all entries to new slots; an ordinary dictionary from then on.
-    void moveTo(std::size_t capacity);
+    PELLUVIA_HIDDEN void moveTo(std::size_t capacity);
     /// Adds copies of all entries of another dictionary; this one must be empty.
-    void copyFrom(const Dictionary &other);
+    PELLUVIA_HIDDEN void copyFrom(const Dictionary &other);
 
-    static constexpr std::uint8_t notCompact = 255;
-    static constexpr std::size_t mostSlots = 65'535; // what the slots' count can tell
+    PELLUVIA_HIDDEN static constexpr std::uint8_t notCompact = 255;
+    PELLUVIA_HIDDEN static constexpr std::size_t mostSlots =
+        65'535; // what the slots' count can tell
     static_assert(knownKeyNames.size() <= mostSlots - maxSize, "each finds room");
 
     // These stand behind the four bytes of the owners' count.

@@ -115,13 +115,13 @@ class PELLUVIA_EXPORT Value {
 
   private:
     friend class Dictionary; // wraps records of a type that it was told
-    class Text;
-    class RecordBox;
+    class PELLUVIA_HIDDEN Text;
+    class PELLUVIA_HIDDEN RecordBox;
 
     [[nodiscard]] static Value wrappingBytes(const void *bytes, std::size_t size,
                                              const char *encoding);
     [[nodiscard]] const void *unwrapBytes(std::size_t size, const char *encoding) const noexcept;
-    void retainObject() const noexcept;
+    PELLUVIA_HIDDEN void retainObject() const noexcept;
     void releaseObject() const noexcept;
 
     union {

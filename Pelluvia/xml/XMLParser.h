@@ -126,7 +126,7 @@ class PELLUVIA_EXPORT XMLParser {
     explicit XMLParser(std::unique_ptr<xml::Source> source);
 
   private:
-    class State;
+    class PELLUVIA_HIDDEN State;
     std::unique_ptr<State> state_;
 };
 

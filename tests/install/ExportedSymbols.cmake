@@ -17,6 +17,9 @@ endif()
 
 run(${NM} -D --defined-only -C ${LIBRARY})
 string(REPLACE "[abi:cxx11]" "" output "${output}")
+# Behind each name stands the version of the library's interface, which is itself such a name.
+string(REGEX REPLACE "@[^\n]*" "" output "${output}")
+string(REGEX REPLACE "[^\n]* A PELLUVIA_[^\n]*\n" "" output "${output}")
 string(REPLACE "\n" ";" lines "${output}")
 
 set(c_names "")

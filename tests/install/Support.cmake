@@ -10,6 +10,18 @@ macro(run)
     endif()
 endmacro()
 
+# write_all_headers(file): a header that includes every installed one.
+function(write_all_headers file)
+    file(GLOB_RECURSE headers RELATIVE ${INCLUDEDIR} ${INCLUDEDIR}/Pelluvia/*.h)
+    list(LENGTH headers count)
+    if(count LESS 30)
+        message(FATAL_ERROR "only ${count} headers are installed")
+    endif()
+    list(TRANSFORM headers REPLACE "(.+)" "#include <\\1>\n")
+    string(JOIN "" source ${headers})
+    file(WRITE ${file} "${source}")
+endfunction()
+
 # run_consumer(program): the outside program runs and writes a GPX file whose gpxdata namespace has
 # the host HOST.
 function(run_consumer program)
