@@ -59,7 +59,7 @@ struct Importing {
     /// Imports a file; the calls are those since the last import.
     Imported file(const std::string &path) {
         const LogCapture log;
-        spy->calls.clear();
+        spy->forget();
         ErrorPtr result = importer->processFile(path);
         return {spy->calls, std::move(result), log.lines};
     }

@@ -1,6 +1,7 @@
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
 #include <tests/recording/Spies.h>
+#include <tests/support/SpyReceiver.h>
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -14,9 +15,9 @@ namespace {
 using testing::keys;
 using testing::pointAt;
 using testing::pointCount;
-using testing::ReceiverSpy;
 using testing::records;
 using testing::sameBytes;
+using testing::SpyReceiver;
 using Lines = std::vector<std::string>;
 
 const Array *filed(const RecordingGPSOutput &recorder, const Key &key) {
@@ -56,7 +57,7 @@ const Lines recordingCalls = {"startTransfer 3", "wayPoint", "wayPoint",        
 
 TEST(Replay, OfNothingSendsNothing) {
     const auto recorder = RecordingGPSOutput::recorder();
-    ReceiverSpy spy;
+    SpyReceiver spy;
     recorder->pushAllDataToOutput(spy);
     recorder->newTrack(nullptr);
     recorder->trackPoint(pointAt(1, 1), nullptr); // open, not filed
@@ -64,16 +65,16 @@ TEST(Replay, OfNothingSendsNothing) {
     recorder->appendArrayData(Value(1), recordedData::laps);
     recorder->appendArrayData(Value(1), recordedData::pois);
     recorder->pushAllDataToOutput(spy);
-    EXPECT_EQ(spy.texts(), Lines{});
+    EXPECT_EQ(spy.names(), Lines{});
 }
 
 TEST(Replay, SendsWaypointsThenRoutesThenTracks) {
-    ReceiverSpy spy;
+    SpyReceiver spy;
     recording()->pushAllDataToOutput(spy);
-    EXPECT_EQ(spy.texts(), recordingCalls);
-    EXPECT_EQ(spy.calls[0].extra, nullptr) << "no count";
-    EXPECT_EQ(spy.calls[4].extra, nullptr);
-    EXPECT_EQ(spy.calls[8].extra, nullptr);
+    EXPECT_EQ(spy.names(), recordingCalls);
+    EXPECT_EQ(spy.seen[0].address, nullptr) << "no count";
+    EXPECT_EQ(spy.seen[4].address, nullptr);
+    EXPECT_EQ(spy.seen[8].address, nullptr);
 }
 
 TEST(Replay, OfTracksOnlySendsNoOtherTransfer) {
@@ -81,9 +82,9 @@ TEST(Replay, OfTracksOnlySendsNoOtherTransfer) {
     recorder->newTrack(nullptr);
     recorder->trackPoint(pointAt(1, 1), nullptr);
     recorder->endTransfer(transferKind::tracks);
-    ReceiverSpy spy;
+    SpyReceiver spy;
     recorder->pushAllDataToOutput(spy);
-    EXPECT_EQ(spy.texts(), (Lines{"startTransfer 1", "newTrack", "newTrackSegment", "trackPoint",
+    EXPECT_EQ(spy.names(), (Lines{"startTransfer 1", "newTrack", "newTrackSegment", "trackPoint",
                                   "endTransfer 1"}));
 }
 
@@ -93,9 +94,9 @@ TEST(Replay, OfEmptyArraysIsAStartAndAnEnd) {
     for (const Key &key : {recordedData::waypoint, recordedData::track, recordedData::route}) {
         recorder->receivedData()->set(key, Value(Ref<Array>::make()));
     }
-    ReceiverSpy spy;
+    SpyReceiver spy;
     recorder->pushAllDataToOutput(spy);
-    EXPECT_EQ(spy.texts(), (Lines{"startTransfer 3", "endTransfer 3", "startTransfer 2",
+    EXPECT_EQ(spy.names(), (Lines{"startTransfer 3", "endTransfer 3", "startTransfer 2",
                                   "endTransfer 2", "startTransfer 1", "endTransfer 1"}));
 }
 
@@ -106,21 +107,21 @@ TEST(Replay, HandsOutTheRecordedDictionariesThemselves) {
     Dictionary *track = filed(*recorder, recordedData::track)->dictionary(0);
     waypoint->set(Key("added by the host"), Value(1));
     track->array(extras::points)->dictionary(1)->set(extras::temp, Value(21.5F));
-    ReceiverSpy spy;
+    SpyReceiver spy;
     recorder->pushAllDataToOutput(spy);
 
-    EXPECT_EQ(spy.calls[1].extra, waypoint);
-    EXPECT_EQ(keys(spy.calls[1].extra), "hr,point,invented,added by the host,");
-    EXPECT_TRUE(sameBytes(spy.calls[1].point, pointAt(1, 1)));
-    EXPECT_EQ(spy.calls[5].extra, route);
-    EXPECT_EQ(keys(spy.calls[5].extra), "hr,point,invented,points,");
-    EXPECT_EQ(spy.calls[6].extra, route->array(extras::points)->dictionary(0));
-    EXPECT_TRUE(sameBytes(spy.calls[6].point, pointAt(5, 5)));
-    EXPECT_EQ(spy.calls[9].extra, track);
-    EXPECT_EQ(spy.calls[11].extra, track->array(extras::points)->dictionary(0));
-    EXPECT_EQ(keys(spy.calls[11].extra), "hr,point,invented,");
-    EXPECT_EQ(keys(spy.calls[12].extra), "point,temp,");
-    EXPECT_TRUE(sameBytes(spy.calls[12].point, pointAt(4, -0.0)));
+    EXPECT_EQ(spy.seen[1].address, waypoint);
+    EXPECT_EQ(keys(spy.seen[1].address), "hr,point,invented,added by the host,");
+    EXPECT_TRUE(sameBytes(spy.seen[1].point, pointAt(1, 1)));
+    EXPECT_EQ(spy.seen[5].address, route);
+    EXPECT_EQ(keys(spy.seen[5].address), "hr,point,invented,points,");
+    EXPECT_EQ(spy.seen[6].address, route->array(extras::points)->dictionary(0));
+    EXPECT_TRUE(sameBytes(spy.seen[6].point, pointAt(5, 5)));
+    EXPECT_EQ(spy.seen[9].address, track);
+    EXPECT_EQ(spy.seen[11].address, track->array(extras::points)->dictionary(0));
+    EXPECT_EQ(keys(spy.seen[11].address), "hr,point,invented,");
+    EXPECT_EQ(keys(spy.seen[12].address), "point,temp,");
+    EXPECT_TRUE(sameBytes(spy.seen[12].point, pointAt(4, -0.0)));
 }
 
 TEST(Replay, SendsTheRecordThatAHostHasPutInPlace) {
@@ -130,10 +131,10 @@ TEST(Replay, SendsTheRecordThatAHostHasPutInPlace) {
     filed(*recorder, recordedData::waypoint)
         ->dictionary(0)
         ->set(extras::point, Value::wrapping(moved));
-    ReceiverSpy spy;
+    SpyReceiver spy;
     recorder->pushAllDataToOutput(spy);
-    EXPECT_TRUE(sameBytes(spy.calls[1].point, moved));
-    EXPECT_EQ(keys(spy.calls[1].extra), "hr,point,invented,");
+    EXPECT_TRUE(sameBytes(spy.seen[1].point, moved));
+    EXPECT_EQ(keys(spy.seen[1].address), "hr,point,invented,");
 }
 
 TEST(Replay, ChangesNothing) {
@@ -142,9 +143,9 @@ TEST(Replay, ChangesNothing) {
     recorder->setProgress(progress);
     recorder->setMinimizeTracks(true);
     for (int times = 0; times < 2; ++times) {
-        ReceiverSpy spy;
+        SpyReceiver spy;
         recorder->pushAllDataToOutput(spy);
-        EXPECT_EQ(spy.texts(), recordingCalls);
+        EXPECT_EQ(spy.names(), recordingCalls);
     }
     EXPECT_TRUE(progress->lines.empty());
     EXPECT_EQ(pointCount(recorder->currentTrack()), 1U);
@@ -163,9 +164,9 @@ TEST(Replay, LeavesOutWhatHasNoPoint) {
     recorder->appendArrayData(Value(7), recordedData::route);
     recorder->appendArrayData(Value(Ref<Dictionary>::make()), recordedData::route);
     recorder->wayPoint(pointAt(1, 2), nullptr);
-    ReceiverSpy spy;
+    SpyReceiver spy;
     recorder->pushAllDataToOutput(spy);
-    EXPECT_EQ(spy.texts(),
+    EXPECT_EQ(spy.names(),
               (Lines{"startTransfer 3", "wayPoint", "endTransfer 3", "startTransfer 2", "newRoute",
                      "endTransfer 2", "startTransfer 1", "endTransfer 1"}));
 }
@@ -174,12 +175,12 @@ TEST(Replay, OfAnUnnamedTrackHasASegmentWithoutPoints) {
     const auto recorder = RecordingGPSOutput::recorder();
     recorder->trackPoint(pointAt(1, 1), nullptr);
     recorder->endTransfer(transferKind::tracks);
-    ReceiverSpy spy;
+    SpyReceiver spy;
     recorder->pushAllDataToOutput(spy);
-    ASSERT_EQ(spy.texts(),
+    ASSERT_EQ(spy.names(),
               (Lines{"startTransfer 1", "newTrack", "newTrackSegment", "endTransfer 1"}));
-    EXPECT_EQ(keys(spy.calls[1].extra), "name,");
-    EXPECT_EQ(spy.calls[1].extra->string(extras::name), "unnamed");
+    EXPECT_EQ(keys(spy.seen[1].address), "name,");
+    EXPECT_EQ(spy.seen[1].address->string(extras::name), "unnamed");
 }
 
 TEST(Replay, SendsOnlyWhatThinningHasLeft) {
@@ -190,11 +191,11 @@ TEST(Replay, SendsOnlyWhatThinningHasLeft) {
         recorder->trackPoint(pointAt(i, i), nullptr);
     }
     recorder->endTransfer(transferKind::tracks);
-    ReceiverSpy spy;
+    SpyReceiver spy;
     recorder->pushAllDataToOutput(spy);
     ASSERT_EQ(spy.calls.size(), 6U);
-    EXPECT_EQ(spy.calls[3].point.latitude, 1.0);
-    EXPECT_EQ(spy.calls[4].point.latitude, 5.0);
+    EXPECT_EQ(spy.seen[3].point.latitude, 1.0);
+    EXPECT_EQ(spy.seen[4].point.latitude, 5.0);
 }
 
 /// Compares two lists of dictionaries down to their points, records byte for byte.
@@ -227,9 +228,9 @@ TEST(Replay, IntoASecondRecorderMakesACopy) {
     for (const Key &key : {recordedData::waypoint, recordedData::route, recordedData::track}) {
         expectSameLists(filed(*first, key), filed(*second, key));
     }
-    ReceiverSpy spy;
+    SpyReceiver spy;
     second->pushAllDataToOutput(spy);
-    EXPECT_EQ(spy.texts(), recordingCalls);
+    EXPECT_EQ(spy.names(), recordingCalls);
 }
 
 TEST(Replay, ThinsFurtherInARecorderThatThins) {
@@ -275,24 +276,24 @@ TEST(Replay, OfWaypointsIntoTheRecorderItselfDoublesThem) {
 }
 
 /// Takes everything away from the recorder that is sending, and the recorder with it.
-class Spoiler : public ReceiverSpy {
+class Spoiler : public SpyReceiver {
   public:
     explicit Spoiler(std::shared_ptr<RecordingGPSOutput> victim, std::string when)
         : victim_(std::move(victim)), when_(std::move(when)) {}
 
     void wayPoint(GPSPoint point, const Dictionary *extra) override {
-        ReceiverSpy::wayPoint(point, extra);
+        SpyReceiver::wayPoint(point, extra);
         spoil("wayPoint", extra);
     }
     void newRoute(const Dictionary *extra) override {
-        ReceiverSpy::newRoute(extra);
+        SpyReceiver::newRoute(extra);
         spoil("newRoute", extra);
     }
     void trackPoint(GPSPoint point, const Dictionary *extra) override {
-        ReceiverSpy::trackPoint(point, extra);
+        SpyReceiver::trackPoint(point, extra);
         spoil("trackPoint", extra);
     }
-    std::string seen;
+    std::string spoilt;
 
   private:
     void spoil(std::string_view now, const Dictionary *extra) {
@@ -306,7 +307,7 @@ class Spoiler : public ReceiverSpy {
             }
             victim_->clear();
             victim_.reset();
-            seen = keys(extra); // still whole
+            spoilt = keys(extra); // still whole
         }
     }
     std::shared_ptr<RecordingGPSOutput> victim_;
@@ -322,8 +323,8 @@ TEST(Replay, SurvivesAReceiverThatDestroysTheRecording) {
         RecordingGPSOutput *borrowed = recorder.get();
         Spoiler spoiler(std::move(recorder), when);
         borrowed->pushAllDataToOutput(spoiler);
-        EXPECT_EQ(spoiler.seen, seen);
-        EXPECT_EQ(spoiler.calls.back().text, "endTransfer 1");
+        EXPECT_EQ(spoiler.spoilt, seen);
+        EXPECT_EQ(spoiler.names().back(), "endTransfer 1");
     }
 }
 

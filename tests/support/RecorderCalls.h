@@ -28,7 +28,7 @@ class RecorderCalls {
     }
     RecorderCalls(const RecorderCalls &) = delete;
     RecorderCalls &operator=(const RecorderCalls &) = delete;
-    ~RecorderCalls() { recorder_->setCompletionObject<Observer>(nullptr, nullptr); }
+    ~RecorderCalls() { recorder_->setCompletionObject(nullptr); }
 
     /// What differs between the recorder and the model after all calls; empty when nothing does.
     [[nodiscard]] std::string run() {

@@ -10,6 +10,7 @@
 #include <charconv>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,7 +18,7 @@
 #include <vector>
 
 /// \file
-/// A receiver that remembers every call as one line of text, and the texts of what it was given.
+/// A receiver that remembers every call, as it came and as one line of text.
 /// Numbers carry their type and stand as their shortest text, so that two lines are the same only
 /// when the calls were.
 
@@ -131,14 +132,71 @@ template <class Float>
     return message != nullptr ? testing::quoted(*message) : "nil";
 }
 
-/// Remembers all calls in order. What tests look for more closely can be watched: `onCall` sees
-/// each line when it is made.
+/// One call as a receiver saw it. Arguments that the call does not have keep their defaults.
+struct SeenCall {
+    std::string name; ///< of the method
+    GPSPoint point{}; ///< of a lap its start
+    GPSPoint end{};   ///< of a lap
+    /// Kind, state, count or accuracy; nothing of calls that have none of them.
+    std::optional<int> number = std::nullopt;
+    std::optional<Dictionary> extra = std::nullopt;
+    const Dictionary *address = nullptr; ///< of the dictionary, which may be gone
+    const void *sender = nullptr;
+    Report report{};
+
+    /// The name, and the number behind a blank.
+    [[nodiscard]] std::string text() const {
+        return number ? name + " " + std::to_string(*number) : name;
+    }
+};
+
+/// The call as one line.
+[[nodiscard]] inline std::string textOf(const SeenCall &call) {
+    const std::string sender = call.sender == nullptr ? "nil" : "a sender";
+    const std::string number = std::to_string(call.number.value_or(0));
+    const std::string extra = textOf(call.extra ? &*call.extra : nullptr);
+    if (call.name == "newTrackSegment") {
+        return call.name;
+    }
+    if (call.name == "newTrack" || call.name == "newRoute") {
+        return call.name + ": " + extra;
+    }
+    if (call.name == "lapInfoStart") {
+        return call.name + ": " + textOf(call.point) + " end: " + textOf(call.end) +
+               " extras: " + extra;
+    }
+    if (call.name == "startTransfer" || call.name == "startSending") {
+        return call.name + ": " + sender + " kind: " + number + " extra: " + extra;
+    }
+    if (call.name == "currentPosition") {
+        return call.name + ": " + textOf(call.point) + " accuracy: " + number;
+    }
+    if (call.name == "warning" || call.name == "error") {
+        return call.name + ": " + textOf(call.report);
+    }
+    if (call.number) {
+        return call.name + ": " + number;
+    }
+    return call.name + ": " + textOf(call.point) + " extra: " + extra;
+}
+
+/// Remembers all calls in order, whole and as text.
 class SpyReceiver : public GPSOutputReceiver {
   public:
-    std::vector<std::string> calls;
+    std::vector<SeenCall> seen;
+    std::vector<std::string> calls; ///< a line each
     std::vector<Report> errors;
+    /// Sees each line when it is made.
     std::function<void(const std::string &line)> onCall;
 
+    /// The names of the calls, with their numbers.
+    [[nodiscard]] std::vector<std::string> names() const {
+        std::vector<std::string> result;
+        for (const SeenCall &each : seen) {
+            result.push_back(each.text());
+        }
+        return result;
+    }
     /// The lines that begin with the text.
     [[nodiscard]] std::vector<std::string> callsOf(std::string_view beginning) const {
         std::vector<std::string> result;
@@ -149,56 +207,80 @@ class SpyReceiver : public GPSOutputReceiver {
         }
         return result;
     }
+    void forget() {
+        seen.clear();
+        calls.clear();
+        errors.clear();
+    }
 
-    void newTrackSegment() override { add("newTrackSegment"); }
-    void newTrack(const Dictionary *extra) override { add("newTrack: " + textOf(extra)); }
-    void newRoute(const Dictionary *extra) override { add("newRoute: " + textOf(extra)); }
+    void newTrackSegment() override { add({.name = "newTrackSegment"}); }
+    void newTrack(const Dictionary *extra) override {
+        add({.name = "newTrack", .extra = copy(extra), .address = extra});
+    }
+    void newRoute(const Dictionary *extra) override {
+        add({.name = "newRoute", .extra = copy(extra), .address = extra});
+    }
     void trackPoint(GPSPoint point, const Dictionary *extra) override {
-        add("trackPoint: " + textOf(point) + " extra: " + textOf(extra));
+        addPoint("trackPoint", point, extra);
     }
     void wayPoint(GPSPoint point, const Dictionary *extra) override {
-        add("wayPoint: " + textOf(point) + " extra: " + textOf(extra));
+        addPoint("wayPoint", point, extra);
     }
     void routePoint(GPSPoint point, const Dictionary *extra) override {
-        add("routePoint: " + textOf(point) + " extra: " + textOf(extra));
+        addPoint("routePoint", point, extra);
     }
     void poiPoint(GPSPoint point, const Dictionary *extra) override {
-        add("poiPoint: " + textOf(point) + " extra: " + textOf(extra));
+        addPoint("poiPoint", point, extra);
     }
     void lapInfoStart(GPSPoint start, GPSPoint end, const Dictionary *extras) override {
-        add("lapInfoStart: " + textOf(start) + " end: " + textOf(end) +
-            " extras: " + textOf(extras));
+        add({.name = "lapInfoStart",
+             .point = start,
+             .end = end,
+             .extra = copy(extras),
+             .address = extras});
     }
     void startTransfer(const void *sender, int kind, const Dictionary *extra) override {
-        add("startTransfer: " + textOfSender(sender) + " kind: " + std::to_string(kind) +
-            " extra: " + textOf(extra));
+        add({.name = "startTransfer",
+             .number = kind,
+             .extra = copy(extra),
+             .address = extra,
+             .sender = sender});
     }
-    void endTransfer(int kind) override { add("endTransfer: " + std::to_string(kind)); }
+    void endTransfer(int kind) override { add({.name = "endTransfer", .number = kind}); }
     void currentPosition(GPSPoint point, int accuracy) override {
-        add("currentPosition: " + textOf(point) + " accuracy: " + std::to_string(accuracy));
+        add({.name = "currentPosition", .point = point, .number = accuracy});
     }
-    void warning(const Report &object) override { add("warning: " + textOf(object)); }
+    void warning(const Report &object) override { add({.name = "warning", .report = object}); }
     void error(const Report &error) override {
         errors.push_back(error);
-        add("error: " + textOf(error));
+        add({.name = "error", .report = error});
     }
-    void gpsStateChange(int state) override { add("gpsStateChange: " + std::to_string(state)); }
+    void gpsStateChange(int state) override { add({.name = "gpsStateChange", .number = state}); }
     void startSending(const void *sender, int kind, const Dictionary *extra) override {
-        add("startSending: " + textOfSender(sender) + " kind: " + std::to_string(kind) +
-            " extra: " + textOf(extra));
+        add({.name = "startSending",
+             .number = kind,
+             .extra = copy(extra),
+             .address = extra,
+             .sender = sender});
     }
-    void sendProgress(int count) override { add("sendProgress: " + std::to_string(count)); }
-    void endSending(int kind) override { add("endSending: " + std::to_string(kind)); }
+    void sendProgress(int count) override { add({.name = "sendProgress", .number = count}); }
+    void endSending(int kind) override { add({.name = "endSending", .number = kind}); }
 
-  private:
-    [[nodiscard]] static std::string textOfSender(const void *sender) {
-        return sender == nullptr ? "nil" : "a sender";
-    }
-    void add(std::string line) {
-        calls.push_back(std::move(line));
+  protected:
+    virtual void add(SeenCall call) {
+        calls.push_back(textOf(call));
+        seen.push_back(std::move(call));
         if (onCall) {
             onCall(calls.back());
         }
+    }
+
+  private:
+    static std::optional<Dictionary> copy(const Dictionary *dictionary) {
+        return dictionary != nullptr ? std::optional(*dictionary) : std::nullopt;
+    }
+    void addPoint(const char *name, const GPSPoint &point, const Dictionary *extra) {
+        add({.name = name, .point = point, .extra = copy(extra), .address = extra});
     }
 };
 

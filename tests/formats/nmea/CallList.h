@@ -1,10 +1,11 @@
 #pragma once
 
 #include <Pelluvia/model/ExtrasKeys.h>
-#include <Pelluvia/model/GPSOutputReceiver.h>
+#include <tests/support/SpyReceiver.h>
 
 #include <functional>
 #include <gtest/gtest.h>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -19,61 +20,51 @@ struct SeenPoint {
     std::string name;
 };
 
-/// Keeps the calls as short texts, in order, and the points of each kind.
-class CallList : public GPSOutputReceiver {
+/// Keeps the calls as short texts, too, and the points of each kind.
+class CallList : public SpyReceiver {
   public:
     std::vector<std::string> calls; ///< points by their kind only
     std::vector<SeenPoint> trackPoints;
     std::vector<SeenPoint> wayPoints;
     std::function<void()> onTrackPoint;
 
-    void newTrackSegment() override { calls.emplace_back("segment"); }
-    void newTrack(const Dictionary *extra) override { calls.push_back("track" + textOf(extra)); }
-    void newRoute(const Dictionary *extra) override { calls.push_back("route" + textOf(extra)); }
-    void trackPoint(GPSPoint point, const Dictionary *extra) override {
-        calls.emplace_back("point");
-        trackPoints.push_back(seen(point, extra));
-        if (onTrackPoint) {
-            onTrackPoint();
+  protected:
+    void add(SeenCall call) override { // NOLINT(performance-unnecessary-value-param)
+        calls.push_back(shortText(call));
+        if (call.name == "wayPoint") {
+            wayPoints.push_back(seenPoint(call));
+        } else if (call.name == "trackPoint") {
+            trackPoints.push_back(seenPoint(call));
+            if (onTrackPoint) {
+                onTrackPoint();
+            }
         }
     }
-    void wayPoint(GPSPoint point, const Dictionary *extra) override {
-        calls.push_back("waypoint" + textOf(extra));
-        wayPoints.push_back(seen(point, extra));
-    }
-    void routePoint(GPSPoint /*point*/, const Dictionary *extra) override {
-        calls.push_back("routePoint" + textOf(extra));
-    }
-    void poiPoint(GPSPoint /*point*/, const Dictionary * /*extra*/) override {
-        calls.emplace_back("poi");
-    }
-    void lapInfoStart(GPSPoint /*start*/, GPSPoint /*end*/,
-                      const Dictionary * /*extras*/) override {
-        calls.emplace_back("lap");
-    }
-    void startTransfer(const void * /*sender*/, int kind, const Dictionary *extra) override {
-        calls.push_back("start " + std::to_string(kind) + textOf(extra));
-    }
-    void endTransfer(int kind) override { calls.push_back("end " + std::to_string(kind)); }
-    void currentPosition(GPSPoint /*point*/, int /*accuracy*/) override {
-        calls.emplace_back("position");
-    }
-    void warning(const Report & /*object*/) override { calls.emplace_back("warning"); }
-    void error(const Report &error) override {
-        calls.push_back("error " + std::get<ErrorPtr>(error)->localizedDescription());
-    }
-    void gpsStateChange(int state) override { calls.push_back("state " + std::to_string(state)); }
-    void startSending(const void * /*sender*/, int kind, const Dictionary * /*extra*/) override {
-        calls.push_back("sending " + std::to_string(kind));
-    }
-    void sendProgress(int /*count*/) override { calls.emplace_back("progress"); }
-    void endSending(int /*kind*/) override { calls.emplace_back("sent"); }
 
   private:
+    static std::string shortText(const SeenCall &call) {
+        static const std::map<std::string, std::string> shortNames = {
+            {"newTrackSegment", "segment"}, {"newTrack", "track"},
+            {"newRoute", "route"},          {"trackPoint", "point"},
+            {"wayPoint", "waypoint"},       {"poiPoint", "poi"},
+            {"lapInfoStart", "lap"},        {"startTransfer", "start"},
+            {"endTransfer", "end"},         {"currentPosition", "position"},
+            {"gpsStateChange", "state"},    {"startSending", "sending"},
+            {"sendProgress", "progress"},   {"endSending", "sent"}};
+        const auto found = shortNames.find(call.name);
+        std::string text = found != shortNames.end() ? found->second : call.name;
+        if (call.number && text != "position") {
+            text += " " + std::to_string(*call.number);
+        }
+        if (const auto *error = std::get_if<ErrorPtr>(&call.report)) {
+            text += " " + (*error)->localizedDescription();
+        }
+        return call.name == "trackPoint" ? text : text + textOf(call.extra);
+    }
     /// " key=value" for each entry.
-    static std::string textOf(const Dictionary *extra) {
+    static std::string textOf(const std::optional<Dictionary> &extra) {
         std::string text;
-        if (extra != nullptr) {
+        if (extra) {
             for (const auto &[value, key] : *extra) {
                 text.append(" ").append(key.name()).append("=");
                 text.append(value.string().has_value()
@@ -83,14 +74,14 @@ class CallList : public GPSOutputReceiver {
         }
         return text;
     }
-    static SeenPoint seen(GPSPoint point, const Dictionary *extra) {
-        SeenPoint result{point, std::nullopt, {}};
-        if (extra != nullptr) {
-            if (const auto speed = extra->number(extras::speed)) {
+    static SeenPoint seenPoint(const SeenCall &call) {
+        SeenPoint result{call.point, std::nullopt, {}};
+        if (call.extra) {
+            if (const auto speed = call.extra->number(extras::speed)) {
                 EXPECT_EQ(speed->type(), Number::Type::Float);
                 result.speed = speed->floatValue();
             }
-            result.name = extra->string(extras::name).value_or("");
+            result.name = call.extra->string(extras::name).value_or("");
         }
         return result;
     }
