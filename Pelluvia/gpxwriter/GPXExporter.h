@@ -5,6 +5,7 @@
 #include <Pelluvia/model/GPXExporterProgress.h>
 #include <Pelluvia/system/MainThread.h>
 #include <Pelluvia/values/Export.h>
+#include <Pelluvia/values/MessageTarget.h>
 
 #include <memory>
 #include <string>
@@ -13,6 +14,8 @@
 #include <utility>
 
 namespace pelluvia {
+
+class ExporterState;
 
 /// A receiver that writes what it is sent to a GPX 1.1 file, call by call:
 ///
@@ -38,6 +41,9 @@ namespace pelluvia {
 /// Without a document (one made by `init`, or after the finished state) the calls write nothing;
 /// counting, progress and the other messages go on.
 ///
+/// Output is buffered. `flush` makes what was written visible to readers of the file, `sync` safe
+/// on the disk; neither happens unless the host asks.
+///
 /// Threads: one at a time. Progress is reported on the thread of the call; completion, warnings and
 /// errors are posted to the main thread (see MainThread.h), so they may arrive after further calls.
 class PELLUVIA_EXPORT GPXExporter final : public GPSOutputReceiver,
@@ -57,36 +63,57 @@ class PELLUVIA_EXPORT GPXExporter final : public GPSOutputReceiver,
     [[nodiscard]] static std::shared_ptr<GPXExporter> init();
 
     /// An exporter into a new file (UTF-8 path; a file that is there is truncated), whose header is
-    /// written at once. Null when the file cannot be opened; `errno` then says why.
+    /// written at once. Null when the file cannot be opened; `errno` then says why. A path that
+    /// holds a NUL is refused (EINVAL).
     [[nodiscard]] static std::shared_ptr<GPXExporter> initWithPath(const std::string &path);
 
-    explicit GPXExporter(Factory /*onlyMadeByFactories*/) {}
+    /// An exporter that writes to an open descriptor, at its position. The descriptor stays the
+    /// host's, which closes it after the exporter has finished. Null when it is not open for
+    /// writing; `errno` then says why.
+    [[nodiscard]] static std::shared_ptr<GPXExporter> initWithDescriptor(int descriptor);
+
+    /// An exporter that appends to a string, which has to outlive its document. The string is
+    /// complete after the finished state.
+    [[nodiscard]] static std::shared_ptr<GPXExporter> initInMemory(std::string &text);
+
+    explicit GPXExporter(Factory onlyMadeByFactories);
     GPXExporter(const GPXExporter &) = delete;
     GPXExporter &operator=(const GPXExporter &) = delete;
     /// Completes and closes the document if that has not happened. Sends nothing, and a failure
     /// remains unknown: where it matters, send `gpsStateChange(gpsState::finished)` first.
     ~GPXExporter() override;
 
-    /// Sets whose method is called on the main thread, with this exporter, each time the finished
-    /// state arrives. The object is held strongly; null sends nothing.
-    template <class Target>
-    void setCompletionObject(std::shared_ptr<Target> object,
-                             void (Target::*andSelector)(std::shared_ptr<GPXExporter>)) {
-        completionObject = std::move(object);
-        completionSelector = Selector<std::shared_ptr<GPXExporter>>(andSelector);
+    /// Sets who is told on the main thread, with this exporter as argument, each time the finished
+    /// state arrives: an object and its method, or a lambda (see MessageTarget.h, also for the ring
+    /// that an object makes which keeps the exporter alive). Null: nobody.
+    ///
+    ///     exporter->setCompletionObject(host, &Host::written);
+    void setCompletionObject(MessageTarget<std::shared_ptr<GPXExporter>> target);
+    template <class Object, class Method>
+    void setCompletionObject(Object object, Method andSelector) {
+        setCompletionObject({std::move(object), std::move(andSelector)});
     }
 
-    /// Sets whose method is called on the main thread with what `warning` and `error` receive. The
-    /// object is held strongly; null sends nothing.
-    template <class Target>
-    void setErrorObject(std::shared_ptr<Target> object, void (Target::*andSelector)(Report)) {
-        errorObject = std::move(object);
-        errorSelector = Selector<Report>(andSelector);
+    /// Sets who is told on the main thread of what `warning` and `error` receive; likewise.
+    void setErrorObject(MessageTarget<Report> target);
+    template <class Object, class Method>
+    void setErrorObject(Object object, Method andSelector) {
+        setErrorObject({std::move(object), std::move(andSelector)});
     }
 
     /// Sets who is told about progress; held strongly, may be null.
     void setProgress(std::shared_ptr<GPXExporterProgress> newProgress);
 
+    /// The open document, for elements that no receiver call writes (see GPXWriter.h); null without
+    /// one. It stays the exporter's: do not close it.
+    [[nodiscard]] GPXRef document() const noexcept;
+
+    /// Writes what is still buffered, and returns `writeFailure()`. Elements that are open stay so;
+    /// data-only points wait for the end of their segment.
+    std::error_code flush();
+    /// Flushes, and waits until the disk has everything, which can take long. Returns
+    /// `writeFailure()`.
+    std::error_code sync();
     /// The first failure to write or close the document; no error while all went well, or without a
     /// document. Output is buffered: only once the document is closed is the answer final.
     [[nodiscard]] std::error_code writeFailure() const noexcept;
@@ -115,20 +142,7 @@ class PELLUVIA_EXPORT GPXExporter final : public GPSOutputReceiver,
     void endSending(int kind) override;
 
   private:
-    void closeIfOpen();
-    void countPoint();
-    void reportProblem(const Report &problem);
-
-    std::string outputPath;
-    GPXRef gpxRef = nullptr; // Owned; null without a document.
-    int transferKind = 0;
-    std::shared_ptr<void> completionObject;
-    std::shared_ptr<GPXExporterProgress> progress;
-    Selector<std::shared_ptr<GPXExporter>> completionSelector;
-    std::shared_ptr<void> errorObject;
-    Selector<Report> errorSelector;
-    int itemCount = 0;
-    std::error_code closedFailure_; // What `writeFailure` says once the document is closed.
+    std::unique_ptr<ExporterState> state_;
 };
 
 } // namespace pelluvia

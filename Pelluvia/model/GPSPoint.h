@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Pelluvia/values/RecordEncoding.h>
+#ifdef __cplusplus
 
 #include <cstddef>
 #include <cstdint>
@@ -40,3 +40,18 @@ struct RecordEncoding<GPSPoint> {
 inline constexpr double dataOnlyLatitude = 91.0;
 
 } // namespace pelluvia
+
+#else // C
+
+#include <stdint.h>
+
+/// The same record for programs in C, where nobody sets the fields to 0: `GPSPoint point = {0};`.
+typedef struct GPSPoint {
+    double latitude;
+    double longitude;
+    double altitude;
+    int64_t time;
+    int64_t test;
+} GPSPoint;
+
+#endif

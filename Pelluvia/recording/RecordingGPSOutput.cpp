@@ -1,6 +1,6 @@
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
-#include <Pelluvia/system/MainThread.h>
+#include <Pelluvia/recording/internal/RecorderState.h>
 
 namespace pelluvia {
 
@@ -19,9 +19,22 @@ Dictionary *lastPointOf(const Ref<Dictionary> &open) noexcept {
     return points != nullptr && !points->empty() ? points->dictionary(points->size() - 1) : nullptr;
 }
 
-std::int32_t countOf(const Dictionary *extra) noexcept {
-    const auto count = extra != nullptr ? extra->number(extras::count) : std::nullopt;
-    return count ? count->intValue() : 0;
+void append(RecorderState &state, Value object, const Key &key) {
+    if (!state.receivedData) {
+        state.receivedData = Ref<Dictionary>::make();
+    }
+    if (state.receivedData->array(key) == nullptr) {
+        state.receivedData->set(key, Value(Ref<Array>::make()));
+    }
+    state.receivedData->array(key)->append(std::move(object));
+}
+
+/// Appends the open track or route, if there is one, which is open no longer then.
+void file(RecorderState &state, Ref<Dictionary> &open, const Key &key) {
+    if (open) {
+        append(state, Value(open), key);
+        open = nullptr;
+    }
 }
 
 } // namespace
@@ -34,128 +47,152 @@ std::shared_ptr<RecordingGPSOutput> RecordingGPSOutput::init() {
     return std::shared_ptr<RecordingGPSOutput>(new RecordingGPSOutput);
 }
 
+RecordingGPSOutput::RecordingGPSOutput() : state_(std::make_unique<RecorderState>()) {}
+
 RecordingGPSOutput::~RecordingGPSOutput() {
     clear();
 }
 
+void RecordingGPSOutput::setCompletionObject(
+    MessageTarget<std::shared_ptr<RecordingGPSOutput>> target) {
+    state_->observers.setCompletionObject(std::move(target));
+}
+
+void RecordingGPSOutput::setErrorObject(MessageTarget<Report> target) {
+    state_->observers.setErrorObject(std::move(target));
+}
+
+void RecordingGPSOutput::setProgress(std::shared_ptr<GPXExporterProgress> newProgress) {
+    state_->observers.setProgress(std::move(newProgress));
+}
+
+const Report &RecordingGPSOutput::lastError() const noexcept {
+    return state_->error;
+}
+
+bool RecordingGPSOutput::minimizeTracks() const noexcept {
+    return state_->minimizeTracks;
+}
+
+void RecordingGPSOutput::setMinimizeTracks(bool minimize) noexcept {
+    state_->minimizeTracks = minimize;
+}
+
+float RecordingGPSOutput::pointEqualSlop() const noexcept {
+    return state_->pointEqualSlop;
+}
+
+void RecordingGPSOutput::setPointEqualSlop(float slop) noexcept {
+    state_->pointEqualSlop = slop;
+}
+
+float RecordingGPSOutput::slopeEqualSlop() const noexcept {
+    return state_->slopeEqualSlop;
+}
+
+void RecordingGPSOutput::setSlopeEqualSlop(float slop) noexcept {
+    state_->slopeEqualSlop = slop;
+}
+
 void RecordingGPSOutput::clear() {
-    trackData = nullptr;
-    waypointData = nullptr;
-    routeData = nullptr;
-    lapData = nullptr;
-    _receivedData = nullptr;
-    _error = Report();
-    slopeEqualTossedPoints = 0;
-    pointEqualTossedPoints = 0;
+    state_->trackData = nullptr;
+    state_->waypointData = nullptr;
+    state_->routeData = nullptr;
+    state_->lapData = nullptr;
+    state_->receivedData = nullptr;
+    state_->error = Report();
+    state_->slopeEqualTossedPoints = 0;
+    state_->pointEqualTossedPoints = 0;
+}
+
+Dictionary *RecordingGPSOutput::receivedData() const noexcept {
+    return state_->receivedData.get();
+}
+
+Dictionary *RecordingGPSOutput::currentTrack() const noexcept {
+    return state_->trackData.get();
+}
+
+Dictionary *RecordingGPSOutput::currentRoute() const noexcept {
+    return state_->routeData.get();
 }
 
 Dictionary *RecordingGPSOutput::lastTrackPoint() const noexcept {
-    return lastPointOf(trackData);
+    return lastPointOf(state_->trackData);
 }
 
 Dictionary *RecordingGPSOutput::lastRoutePoint() const noexcept {
-    return lastPointOf(routeData);
+    return lastPointOf(state_->routeData);
 }
 
-bool RecordingGPSOutput::appendArrayData(Value object, const Key &key) {
-    if (!_receivedData) {
-        _receivedData = Ref<Dictionary>::make();
-    }
-    if (_receivedData->array(key) == nullptr && !_receivedData->set(key, Ref<Array>::make())) {
-        return false;
-    }
-    _receivedData->array(key)->append(std::move(object));
-    return true;
-}
-
-void RecordingGPSOutput::fileTrack() {
-    if (trackData) {
-        appendArrayData(Value(trackData), recordedData::track);
-        trackData = nullptr;
-    }
-}
-
-void RecordingGPSOutput::fileRoute() {
-    if (routeData) {
-        appendArrayData(Value(routeData), recordedData::route);
-        routeData = nullptr;
-    }
-}
-
-void RecordingGPSOutput::countItem() {
-    // A count that passes the largest integer starts again from the smallest.
-    itemCount = static_cast<std::int32_t>(static_cast<std::uint32_t>(itemCount) + 1U);
-    // Held on to here and below: the observer may take itself away when it is told.
-    if (const auto observer = progress) {
-        observer->gpxProgress(transferKind, itemCount);
-    }
+void RecordingGPSOutput::appendArrayData(Value object, const Key &key) {
+    append(*state_, std::move(object), key);
 }
 
 void RecordingGPSOutput::newTrack(const Dictionary *extra) {
-    fileTrack();
-    trackData = opened(extra);
-    for (GPSPoint *point : {&lastPoint, &prevPoint}) {
+    file(*state_, state_->trackData, recordedData::track);
+    state_->trackData = opened(extra);
+    for (GPSPoint *point : {&state_->lastPoint, &state_->prevPoint}) {
         point->latitude = 0.0;
         point->longitude = 0.0;
     }
 }
 
 void RecordingGPSOutput::newRoute(const Dictionary *extra) {
-    fileRoute();
-    routeData = opened(extra);
+    file(*state_, state_->routeData, recordedData::route);
+    state_->routeData = opened(extra);
 }
 
 void RecordingGPSOutput::routePoint(GPSPoint point, const Dictionary *extra) {
-    if (Array *points = routeData ? routeData->array(extras::points) : nullptr) {
+    if (Array *points = state_->routeData ? state_->routeData->array(extras::points) : nullptr) {
         points->append(Dictionary::wrapping(point, extra));
     }
-    countItem();
+    state_->observers.countItem();
 }
 
 void RecordingGPSOutput::wayPoint(GPSPoint point, const Dictionary *extra) {
-    if (routeData) {
+    if (state_->routeData) {
         routePoint(point, extra);
         return;
     }
-    appendArrayData(Value(Dictionary::wrapping(point, extra)), recordedData::waypoint);
-    countItem();
+    append(*state_, Value(Dictionary::wrapping(point, extra)), recordedData::waypoint);
+    state_->observers.countItem();
 }
 
+// Where something is done after an observer was told, the recorder keeps hold of itself: the
+// observer may let go of the last reference.
+
 void RecordingGPSOutput::startTransfer(const void * /*sender*/, int kind, const Dictionary *extra) {
-    if (const auto observer = progress) {
-        observer->gpxStartTransfer(kind, countOf(extra));
-    }
-    transferKind = kind;
+    const auto self = weak_from_this().lock();
+    state_->observers.tellStart(kind, extra);
 }
 
 void RecordingGPSOutput::endTransfer(int kind) {
-    if (const auto observer = progress) {
-        observer->gpxEndTransfer(kind);
-    }
-    itemCount = 0;
+    const auto self = weak_from_this().lock();
+    state_->observers.tellEnd(kind);
+    state_->observers.resetCount();
     if (kind == transferKind::routes) {
-        fileRoute();
+        file(*state_, state_->routeData, recordedData::route);
     } else if (kind == transferKind::tracks) {
-        fileTrack();
+        file(*state_, state_->trackData, recordedData::track);
     }
-    transferKind = 0;
+    state_->observers.forgetKind();
 }
 
 void RecordingGPSOutput::warning(const Report &object) {
-    mainThread::perform(errorObject, errorSelector, object);
+    state_->observers.report(object);
 }
 
 void RecordingGPSOutput::error(const Report &error) {
     // Without an error object the error is not kept either.
-    if (errorObject != nullptr) {
-        mainThread::perform(errorObject, errorSelector, error);
-        _error = error;
+    if (state_->observers.report(error)) {
+        state_->error = error;
     }
 }
 
 void RecordingGPSOutput::gpsStateChange(int state) {
     if (state == gpsState::finished) {
-        mainThread::perform(completionObject, completionSelector, shared_from_this());
+        state_->observers.complete(shared_from_this());
     }
 }
 
@@ -164,16 +201,13 @@ void RecordingGPSOutput::startSending(const void *sender, int kind, const Dictio
 }
 
 void RecordingGPSOutput::sendProgress(int count) {
-    if (const auto observer = progress) {
-        observer->gpxProgress(transferKind, count);
-    }
+    state_->observers.tellProgress(count);
 }
 
 void RecordingGPSOutput::endSending(int kind) {
-    if (const auto observer = progress) {
-        observer->gpxEndTransfer(kind);
-    }
-    transferKind = 0;
+    const auto self = weak_from_this().lock();
+    state_->observers.tellEnd(kind);
+    state_->observers.forgetKind();
 }
 
 } // namespace pelluvia

@@ -6,14 +6,15 @@
 #include <Pelluvia/values/Array.h>
 #include <Pelluvia/values/Dictionary.h>
 #include <Pelluvia/values/Export.h>
-#include <Pelluvia/values/Selector.h>
+#include <Pelluvia/values/MessageTarget.h>
 
-#include <cstdint>
 #include <memory>
 #include <string_view>
 #include <utility>
 
 namespace pelluvia {
+
+class RecorderState;
 
 /// The keys of a recording, and the name of a track that nobody announced.
 namespace recordedData {
@@ -59,40 +60,40 @@ class PELLUVIA_EXPORT RecordingGPSOutput : public GPSOutputReceiver,
     RecordingGPSOutput &operator=(const RecordingGPSOutput &) = delete;
     ~RecordingGPSOutput() override;
 
-    /// Who is told, with the recorder as argument, when the exchange has ended; kept alive by the
-    /// recorder. Null: nobody.
-    template <class Target>
-    void setCompletionObject(std::shared_ptr<Target> object,
-                             void (Target::*andSelector)(std::shared_ptr<RecordingGPSOutput>)) {
-        completionObject = std::move(object);
-        completionSelector = Selector<std::shared_ptr<RecordingGPSOutput>>(andSelector);
+    /// Who is told, on the main thread and with the recorder as argument, when the exchange has
+    /// ended: an object and its method, or a lambda (see MessageTarget.h, also for the ring that an
+    /// object makes which keeps the recorder alive). Null: nobody.
+    ///
+    ///     recorder->setCompletionObject(host, &Host::downloaded);
+    void setCompletionObject(MessageTarget<std::shared_ptr<RecordingGPSOutput>> target);
+    template <class Object, class Method>
+    void setCompletionObject(Object object, Method andSelector) {
+        setCompletionObject({std::move(object), std::move(andSelector)});
     }
-    /// Who is told of warnings and errors; kept alive by the recorder. Null: nobody.
-    template <class Target>
-    void setErrorObject(std::shared_ptr<Target> object, void (Target::*andSelector)(Report)) {
-        errorObject = std::move(object);
-        errorSelector = Selector<Report>(andSelector);
+    /// Who is told, on the main thread, of warnings and errors; likewise.
+    void setErrorObject(MessageTarget<Report> target);
+    template <class Object, class Method>
+    void setErrorObject(Object object, Method andSelector) {
+        setErrorObject({std::move(object), std::move(andSelector)});
     }
     /// Who watches the progress; kept alive by the recorder. Null: nobody.
-    void setProgress(std::shared_ptr<GPXExporterProgress> newProgress) {
-        progress = std::move(newProgress);
-    }
+    void setProgress(std::shared_ptr<GPXExporterProgress> newProgress);
 
     /// The last error that was passed on to an error object; nothing before the first.
-    [[nodiscard]] const Report &lastError() const noexcept { return _error; }
+    [[nodiscard]] const Report &lastError() const noexcept;
 
     /// Whether tracks are thinned while they are recorded; off at first. Settings take effect with
     /// the next track point.
-    [[nodiscard]] bool minimizeTracks() const noexcept { return _minimizeTracks; }
-    void setMinimizeTracks(bool minimize) noexcept { _minimizeTracks = minimize; }
+    [[nodiscard]] bool minimizeTracks() const noexcept;
+    void setMinimizeTracks(bool minimize) noexcept;
     /// How near in latitude and in longitude two points must be to count as one, in degrees; 0.0001
     /// at first.
-    [[nodiscard]] float pointEqualSlop() const noexcept { return _pointEqualSlop; }
-    void setPointEqualSlop(float slop) noexcept { _pointEqualSlop = slop; }
+    [[nodiscard]] float pointEqualSlop() const noexcept;
+    void setPointEqualSlop(float slop) noexcept;
     /// How near two slopes (latitude over longitude, no unit) must be to count as one direction;
     /// 0.01 at first.
-    [[nodiscard]] float slopeEqualSlop() const noexcept { return _slopeEqualSlop; }
-    void setSlopeEqualSlop(float slop) noexcept { _slopeEqualSlop = slop; }
+    [[nodiscard]] float slopeEqualSlop() const noexcept;
+    void setSlopeEqualSlop(float slop) noexcept;
 
     /// Forgets everything recorded, the open track and route, the error and the thinning's
     /// counters. Observers, settings and the transfer under way stay.
@@ -100,10 +101,10 @@ class PELLUVIA_EXPORT RecordingGPSOutput : public GPSOutputReceiver,
 
     /// The recording: arrays under the keys of `recordedData`, each there from its first item on;
     /// null before the first item. Borrowed.
-    [[nodiscard]] Dictionary *receivedData() const noexcept { return _receivedData.get(); }
+    [[nodiscard]] Dictionary *receivedData() const noexcept;
     /// The open track or route, or null. Borrowed.
-    [[nodiscard]] Dictionary *currentTrack() const noexcept { return trackData.get(); }
-    [[nodiscard]] Dictionary *currentRoute() const noexcept { return routeData.get(); }
+    [[nodiscard]] Dictionary *currentTrack() const noexcept;
+    [[nodiscard]] Dictionary *currentRoute() const noexcept;
     /// The newest point of the open track or route, or null. Borrowed.
     [[nodiscard]] Dictionary *lastTrackPoint() const noexcept;
     [[nodiscard]] Dictionary *lastRoutePoint() const noexcept;
@@ -143,35 +144,9 @@ class PELLUVIA_EXPORT RecordingGPSOutput : public GPSOutputReceiver,
     void endSending(int kind) override;
 
   private:
-    RecordingGPSOutput() = default;
+    RecordingGPSOutput();
 
-    void fileTrack();
-    void fileRoute();
-    void countItem();
-    /// Whether `newPoint` makes the stored point before it redundant; counts the tests that fired.
-    bool tossesLastPoint(const GPSPoint &newPoint);
-
-    Ref<Dictionary> trackData;
-    Ref<Dictionary> waypointData; // never filled
-    Ref<Dictionary> routeData;
-    Ref<Dictionary> lapData; // never filled
-    std::int32_t transferKind = 0;
-    std::shared_ptr<void> completionObject;
-    std::shared_ptr<GPXExporterProgress> progress;
-    Selector<std::shared_ptr<RecordingGPSOutput>> completionSelector;
-    std::shared_ptr<void> errorObject;
-    Selector<Report> errorSelector;
-    std::int32_t itemCount = 0;
-    Report _error;
-    bool _minimizeTracks = false;
-    float _slopeEqualSlop = 0.01F;
-    float _pointEqualSlop = 0.0001F;
-    std::uint64_t slopeEqualTossedPoints = 0;
-    std::uint64_t pointEqualTossedPoints = 0;
-    GPSPoint lastPoint;    // the newest track point
-    GPSPoint prevPoint;    // the kept track point before it; latitude 0.0: there is none yet
-    GPSPoint currentPoint; // unused
-    Ref<Dictionary> _receivedData;
+    std::unique_ptr<RecorderState> state_;
 };
 
 } // namespace pelluvia

@@ -1,5 +1,7 @@
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
+#include <Pelluvia/recording/internal/RecorderState.h>
+
 namespace pelluvia {
 
 namespace {
@@ -28,7 +30,7 @@ void pushPoints(const Array *points, GPSOutputReceiver &output, PointCall call) 
 } // namespace
 
 void RecordingGPSOutput::pushAllDataToOutput(GPSOutputReceiver &output) const {
-    const Ref<Dictionary> data = _receivedData;
+    const Ref<Dictionary> data = state_->receivedData;
     if (!data) {
         return;
     }

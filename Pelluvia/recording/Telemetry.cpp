@@ -1,5 +1,7 @@
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
+#include <Pelluvia/recording/internal/RecorderState.h>
+
 #include <algorithm>
 #include <limits>
 
@@ -38,14 +40,14 @@ std::uint64_t pointsIn(const Array &lists) noexcept {
 
 Ref<Array> RecordingGPSOutput::processingTelemetry() const {
     const auto array = [this](const Key &key) {
-        return _receivedData ? _receivedData->array(key) : nullptr;
+        return state_->receivedData ? state_->receivedData->array(key) : nullptr;
     };
     const Array *tracks = array(recordedData::track);
     const Array *routes = array(recordedData::route);
 
     auto telemetry = Ref<Array>::make();
-    appendEntry(*telemetry, "slopeEqualTossedPoints", slopeEqualTossedPoints);
-    appendEntry(*telemetry, "pointEqualTossedPoints", pointEqualTossedPoints);
+    appendEntry(*telemetry, "slopeEqualTossedPoints", state_->slopeEqualTossedPoints);
+    appendEntry(*telemetry, "pointEqualTossedPoints", state_->pointEqualTossedPoints);
     appendEntry(*telemetry, "TrackCount", sizeOf(tracks));
     appendEntry(*telemetry, "RouteCount", sizeOf(routes));
     appendEntry(*telemetry, "WayPointCount", sizeOf(array(recordedData::waypoint)));

@@ -1,5 +1,6 @@
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
+#include <Pelluvia/recording/internal/RecorderState.h>
 #include <Pelluvia/values/Number.h>
 
 #include <cfloat>
@@ -41,16 +42,15 @@ bool sameSigns(const Step &a, const Step &b) noexcept {
 
 } // namespace
 
-bool RecordingGPSOutput::tossesLastPoint(const GPSPoint &newPoint) {
-    if (!_minimizeTracks || prevPoint.latitude == 0.0) {
+bool RecorderState::tossesLastPoint(const GPSPoint &newPoint) {
+    if (!minimizeTracks || prevPoint.latitude == 0.0) {
         return false;
     }
     const Step before(prevPoint, lastPoint);
     const Step after(lastPoint, newPoint);
     // Every test runs and counts, also when an earlier one has fired.
     bool toss = false;
-    if (std::fabs(after.latitude) < _pointEqualSlop &&
-        std::fabs(after.longitude) < _pointEqualSlop) {
+    if (std::fabs(after.latitude) < pointEqualSlop && std::fabs(after.longitude) < pointEqualSlop) {
         ++pointEqualTossedPoints;
         toss = true;
     }
@@ -63,7 +63,7 @@ bool RecordingGPSOutput::tossesLastPoint(const GPSPoint &newPoint) {
         toss = true;
     }
     // Not a number, as of two infinite slopes, is less than nothing.
-    if (sameSigns(before, after) && std::fabs(after.slope() - before.slope()) < _slopeEqualSlop) {
+    if (sameSigns(before, after) && std::fabs(after.slope() - before.slope()) < slopeEqualSlop) {
         ++slopeEqualTossedPoints;
         toss = true;
     }
@@ -71,27 +71,28 @@ bool RecordingGPSOutput::tossesLastPoint(const GPSPoint &newPoint) {
 }
 
 void RecordingGPSOutput::trackPoint(GPSPoint point, const Dictionary *extra) {
-    if (!trackData) {
+    RecorderState &state = *state_;
+    if (!state.trackData) {
         // Nobody announced a track. This one has no list of points, so they are counted and lost.
-        trackData = Ref<Dictionary>::make();
-        trackData->set(extras::name, Value(recordedData::unnamedTrack));
+        state.trackData = Ref<Dictionary>::make();
+        state.trackData->set(extras::name, Value(recordedData::unnamedTrack));
     }
     // Made first: the extras may be those of the point that is tossed, and where memory runs out
     // nothing has changed yet.
     auto dictionary = Dictionary::wrapping(point, extra);
-    const bool toss = tossesLastPoint(point);
+    const bool toss = state.tossesLastPoint(point);
     if (!toss) {
-        prevPoint = lastPoint;
+        state.prevPoint = state.lastPoint;
     }
-    lastPoint = point;
+    state.lastPoint = point;
 
-    if (Array *points = trackData->array(extras::points)) {
+    if (Array *points = state.trackData->array(extras::points)) {
         if (toss && !points->empty()) {
             points->removeLast();
         }
         points->append(std::move(dictionary));
     }
-    countItem();
+    state.observers.countItem();
 }
 
 } // namespace pelluvia

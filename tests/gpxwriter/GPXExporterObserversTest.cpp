@@ -3,6 +3,7 @@
 #include <Pelluvia/model/TransferKind.h>
 #include <tests/gpxwriter/WriterTest.h>
 
+#include <functional>
 #include <gmock/gmock.h>
 #include <thread>
 #include <vector>
@@ -210,6 +211,61 @@ TEST_F(ExporterObservers, AQueuedMessageKeepsTargetAndExporterAlive) {
     mainThread::drain();
     EXPECT_THAT(revived->completions, ::testing::SizeIs(1));
     EXPECT_TRUE(weakExporter.expired());
+}
+
+using Calls = std::vector<void (*)(GPXExporter &)>;
+
+/// The calls of a producer of which a progress object is told.
+const Calls toldCalls = {
+    [](GPXExporter &to) { to.startTransfer(nullptr, 1, nullptr); },
+    [](GPXExporter &to) { to.trackPoint(somewhere, nullptr); },
+    [](GPXExporter &to) { to.wayPoint(somewhere, nullptr); },
+    [](GPXExporter &to) { to.routePoint(somewhere, nullptr); },
+    [](GPXExporter &to) { to.endTransfer(1); },
+};
+
+/// Does something when it is told, and then still knows what it is.
+class Actor : public GPXExporterProgress {
+  public:
+    explicit Actor(std::function<void()> action) : action_(std::move(action)) {}
+    void gpxStartTransfer(int kind, int count) override { act(kind + count); }
+    void gpxProgress(int kind, int index) override { act(kind + index); }
+    void gpxEndTransfer(int kind) override { act(kind); }
+
+    std::string text;
+
+  private:
+    void act(int sum) {
+        action_();
+        text += "still here with " + std::to_string(sum);
+    }
+    std::function<void()> action_;
+};
+
+TEST_F(ExporterObservers, AProgressObjectMayTakeItselfAwayWhenItIsTold) {
+    for (const auto call : toldCalls) {
+        std::weak_ptr<Actor> watched;
+        auto actor = std::make_shared<Actor>([&] {
+            exporter->setProgress(nullptr);
+            EXPECT_FALSE(watched.expired()) << "while it is told";
+        });
+        watched = actor;
+        exporter->setProgress(std::move(actor));
+        call(*exporter);
+        EXPECT_TRUE(watched.expired());
+    }
+}
+
+// A host may be done with the exporter at the end of a transfer, or give up in the midst of one.
+TEST_F(ExporterObservers, AProgressObjectMayDropTheLastReferenceToTheExporter) {
+    for (const auto call : toldCalls) {
+        exporter = GPXExporter::initWithPath(path);
+        exporter->setProgress(std::make_shared<Actor>([&] { exporter.reset(); }));
+        GPXExporter &borrowed = *exporter;
+        call(borrowed);
+        EXPECT_EQ(exporter, nullptr);
+        EXPECT_TRUE(testing::readFile(path).ends_with(documentEnd));
+    }
 }
 
 } // namespace
