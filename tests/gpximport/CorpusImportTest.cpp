@@ -1,4 +1,5 @@
 #include <tests/gpximport/Importing.h>
+#include <tests/support/ExpectOrdered.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <algorithm>
@@ -56,6 +57,21 @@ TEST(Corpus, ImportsTwiceWithTheSameCalls) {
         EXPECT_EQ(testing::textOf(first.result), testing::textOf(second.result)) << each;
         EXPECT_EQ(first.log, second.log) << each;
         EXPECT_FALSE(first.calls.empty()) << each;
+    }
+}
+
+TEST(Corpus, CallsComeInTheirOrder) {
+    const auto files = corpusFiles();
+    if (files.empty()) {
+        GTEST_SKIP() << "the corpus is not here";
+    }
+    for (const fs::path &each : files) {
+        SCOPED_TRACE(each);
+        const testing::LogCapture log;
+        const auto checker = std::make_shared<OrderChecker>();
+        (void)GPXFileImporter::initWithReceiver(checker)->processFile(each.string());
+        testing::expectOrdered(*checker);
+        EXPECT_GT(checker->calls(), 0U);
     }
 }
 

@@ -1,6 +1,7 @@
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
 #include <tests/recording/Spies.h>
+#include <tests/support/ExpectOrdered.h>
 #include <tests/support/SpyReceiver.h>
 
 #include <gtest/gtest.h>
@@ -54,6 +55,14 @@ const Lines recordingCalls = {"startTransfer 3", "wayPoint", "wayPoint",        
                               "startTransfer 2", "newRoute", "routePoint",      "endTransfer 2",
                               "startTransfer 1", "newTrack", "newTrackSegment", "trackPoint",
                               "trackPoint",      "newTrack", "newTrackSegment", "endTransfer 1"};
+
+TEST(Replay, CallsComeInTheirOrder) {
+    OrderChecker checker;
+    recording()->pushAllDataToOutput(checker);
+    checker.gpsStateChange(gpsState::finished);
+    testing::expectOrdered(checker);
+    EXPECT_EQ(checker.calls(), recordingCalls.size() + 1);
+}
 
 TEST(Replay, OfNothingSendsNothing) {
     const auto recorder = RecordingGPSOutput::recorder();

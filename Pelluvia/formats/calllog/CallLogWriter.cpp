@@ -1,12 +1,5 @@
 #include <Pelluvia/formats/calllog/CallLogWriter.h>
 
-#include <Pelluvia/formats/calllog/internal/CallLogText.h>
-
-#include <Pelluvia/model/ExtrasKeys.h>
-#include <Pelluvia/system/MainThread.h>
-
-#include <climits>
-
 namespace pelluvia {
 
 struct CallLogWriter::State {
@@ -69,18 +62,18 @@ void CallLogWriter::newRoute(const Dictionary *extra) {
 }
 
 void CallLogWriter::trackPoint(GPSPoint point, const Dictionary *extra) {
-    state_->writePointCall(R"({"call":"trackPoint:extra:","point":)", point, extra);
-    state_->countPoint();
+    writePointCall(R"({"call":"trackPoint:extra:","point":)", point, extra);
+    observers_.countItem();
 }
 
 void CallLogWriter::wayPoint(GPSPoint point, const Dictionary *extra) {
-    state_->writePointCall(R"({"call":"wayPoint:extra:","point":)", point, extra);
-    state_->countPoint();
+    writePointCall(R"({"call":"wayPoint:extra:","point":)", point, extra);
+    observers_.countItem();
 }
 
 void CallLogWriter::routePoint(GPSPoint point, const Dictionary *extra) {
-    state_->writePointCall(R"({"call":"routePoint:extra:","point":)", point, extra);
-    state_->countPoint();
+    writePointCall(R"({"call":"routePoint:extra:","point":)", point, extra);
+    observers_.countItem();
 }
 
 void CallLogWriter::poiPoint(GPSPoint point, const Dictionary *extra) {
@@ -96,20 +89,15 @@ void CallLogWriter::lapInfoStart(GPSPoint start, GPSPoint end, const Dictionary 
 }
 
 void CallLogWriter::startTransfer(const void * /*sender*/, int kind, const Dictionary *extra) {
-    state_->writeStartCall(R"({"call":"startTransfer:kind:extra:","kind":)", kind, extra);
-    state_->transferKind = kind;
-    if (state_->progress != nullptr) {
-        const auto count = extra != nullptr ? extra->number(extras::count) : std::nullopt;
-        state_->progress->gpxStartTransfer(kind, count ? count->intValue() : 0);
-    }
+    writeStartCall(R"({"call":"startTransfer:kind:extra:","kind":)", kind, extra);
+    const auto self = weak_from_this().lock(); // the observer may let go of the last reference
+    observers_.tellStart(kind, extra);
 }
 
 void CallLogWriter::endTransfer(int kind) {
-    state_->writeInteger(R"({"call":"endTransfer:","kind":)", kind);
-    if (state_->progress != nullptr) {
-        state_->progress->gpxEndTransfer(kind);
-    }
-    state_->itemCount = 0;
+    writeInteger(R"({"call":"endTransfer:","kind":)", kind);
+    observers_.resetCount();
+    observers_.tellEnd(kind);
 }
 
 void CallLogWriter::currentPosition(GPSPoint point, int accuracy) {
@@ -168,20 +156,11 @@ void CallLogWriter::State::writeInteger(std::string_view beginning, int value) {
     text.raw("}\n");
 }
 
-void CallLogWriter::State::writeReport(std::string_view beginning, const Report &report) {
-    text.raw(beginning);
-    text.report(report);
-    text.raw("}\n");
-    mainThread::perform(errorObject, report);
-}
-
-void CallLogWriter::State::countPoint() {
-    if (itemCount < INT_MAX) {
-        ++itemCount;
-    }
-    if (progress != nullptr) {
-        progress->gpxProgress(transferKind, itemCount);
-    }
+void CallLogWriter::writeReport(std::string_view beginning, const Report &report) {
+    text_.raw(beginning);
+    text_.report(report);
+    text_.raw("}\n");
+    observers_.report(report);
 }
 
 } // namespace pelluvia

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Pelluvia/model/GPSOutputReceiver.h>
-#include <Pelluvia/model/GPXExporterProgress.h>
+#include <Pelluvia/model/ReceiverObservers.h>
 #include <Pelluvia/system/OutputFile.h>
 #include <Pelluvia/values/Export.h>
 #include <Pelluvia/values/MessageTarget.h>
@@ -34,7 +34,7 @@ namespace pelluvia {
 /// the end of this object, which does not tell whether that worked.
 ///
 /// Threads: as for any receiver.
-class PELLUVIA_EXPORT CallLogWriter : public GPSOutputReceiver {
+class CallLogWriter : public GPSOutputReceiver, public std::enable_shared_from_this<CallLogWriter> {
   public:
     /// A writer to a new file at the path (see `OutputFile::open`); null when it cannot be opened,
     /// `error` then says why.
@@ -47,11 +47,18 @@ class PELLUVIA_EXPORT CallLogWriter : public GPSOutputReceiver {
     ~CallLogWriter() override;
 
     /// Who is told, on the main thread, of each `warning` and `error`: an object and its method, or
-    /// a lambda (see MessageTarget.h); null: nobody.
-    void setErrorObject(MessageTarget<Report> target);
+    /// a lambda (see MessageTarget.h). Null: nobody.
+    void setErrorObject(MessageTarget<Report> target) {
+        observers_.setErrorObject(std::move(target));
+    }
     template <class Object, class Method>
     void setErrorObject(Object object, Method andSelector) {
         setErrorObject({std::move(object), std::move(andSelector)});
+    }
+    /// Who is told of the progress of transfers: of track points, waypoints and route points. Null:
+    /// nobody.
+    void setProgress(std::shared_ptr<GPXExporterProgress> progress) {
+        observers_.setProgress(std::move(progress));
     }
     /// Who is told of the progress of transfers: of track points, waypoints and route points. Held
     /// until replaced; null: nobody.
@@ -85,8 +92,17 @@ class PELLUVIA_EXPORT CallLogWriter : public GPSOutputReceiver {
     void endSending(int kind) override;
 
   private:
-    struct State;
-    std::unique_ptr<State> state_;
+    // Each writes `beginning`, the line up to an argument, and from that argument to the line's
+    // end.
+    void writePointCall(std::string_view beginning, const GPSPoint &point, const Dictionary *extra);
+    void writeStartCall(std::string_view beginning, int kind, const Dictionary *extra);
+    void writeDictionary(std::string_view beginning, const Dictionary *extra);
+    void writeInteger(std::string_view beginning, int value);
+    void writeReport(std::string_view beginning, const Report &report);
+
+    std::unique_ptr<OutputFile> file_;
+    CallLogText text_;
+    ReceiverObservers<CallLogWriter> observers_;
 };
 
 } // namespace pelluvia

@@ -9,10 +9,6 @@
 #include <Pelluvia/nmea/NMEAUtils.h>
 #include <Pelluvia/system/MainThread.h>
 
-#include <limits>
-#include <optional>
-#include <string_view>
-#include <vector>
 
 namespace pelluvia {
 
@@ -151,19 +147,19 @@ void NMEAWriter::trackPoint(GPSPoint point, const Dictionary *extra) {
         state_->omissions.values += point.altitude != 0.0 && !isAltitude(point.altitude) ? 1 : 0;
         state_->omissions.values += speed && !isSpeed(*speed) ? 1 : 0;
     }
-    state_->countPoint();
+    observers_.countItem();
 }
 
 void NMEAWriter::wayPoint(GPSPoint point, const Dictionary *extra) {
-    state_->writePlace(point, extra, state_->route.has_value());
-    state_->countPoint();
+    writePlace(point, extra, route_.has_value());
+    observers_.countItem();
 }
 
 void NMEAWriter::routePoint(GPSPoint point, const Dictionary *extra) {
     if (state_->route) {
         state_->writePlace(point, extra, true);
     }
-    state_->countPoint();
+    observers_.countItem();
 }
 
 void NMEAWriter::State::writePlace(const GPSPoint &point, const Dictionary *extra, bool isInRoute) {
@@ -196,25 +192,21 @@ void NMEAWriter::State::endRoute() {
 }
 
 void NMEAWriter::startTransfer(const void * /*sender*/, int kind, const Dictionary *extra) {
-    state_->transferKind = kind;
-    if (state_->progress) {
-        const auto count = numberUnder(extras::count, extra);
-        state_->progress->gpxStartTransfer(kind, count ? count->intValue() : 0);
-    }
+    const auto self = weak_from_this().lock(); // the observer may let go of the last reference
+    observers_.tellStart(kind, extra);
 }
 
 void NMEAWriter::endTransfer(int kind) {
-    if (state_->progress) {
-        state_->progress->gpxEndTransfer(kind);
-    }
-    state_->itemCount = 0;
+    const auto self = weak_from_this().lock();
+    observers_.tellEnd(kind);
+    observers_.resetCount();
     if (kind == transferKind::routes) {
         state_->endRoute();
     }
 }
 
 void NMEAWriter::warning(const Report &object) {
-    mainThread::perform(state_->errorObject, object);
+    observers_.report(object);
 }
 
 void NMEAWriter::error(const Report &error) {
@@ -227,15 +219,8 @@ void NMEAWriter::gpsStateChange(int state) {
     }
 }
 
-void NMEAWriter::State::countPoint() {
-    itemCount += itemCount < std::numeric_limits<int>::max() ? 1 : 0;
-    if (progress) {
-        progress->gpxProgress(transferKind, itemCount);
-    }
-}
-
-bool NMEAWriter::State::isWritable(const GPSPoint &point) {
-    omissions.points += isOnGlobe(point) ? 0 : 1;
+bool NMEAWriter::isWritable(const GPSPoint &point) {
+    omissions_.points += isOnGlobe(point) ? 0 : 1;
     return isOnGlobe(point);
 }
 

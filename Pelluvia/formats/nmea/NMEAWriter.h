@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Pelluvia/model/GPSOutputReceiver.h>
-#include <Pelluvia/model/GPXExporterProgress.h>
+#include <Pelluvia/model/ReceiverObservers.h>
 #include <Pelluvia/system/OutputFile.h>
 #include <Pelluvia/values/Export.h>
 #include <Pelluvia/values/MessageTarget.h>
@@ -59,7 +59,7 @@ struct NMEAOmissions {
 /// fields for it.
 ///
 /// Threads: as for any receiver.
-class PELLUVIA_EXPORT NMEAWriter : public GPSOutputReceiver {
+class NMEAWriter : public GPSOutputReceiver, public std::enable_shared_from_this<NMEAWriter> {
   public:
     /// A writer to a new file at the path (see `OutputFile::open`); null when it cannot be opened,
     /// `error` then says why.
@@ -74,11 +74,18 @@ class PELLUVIA_EXPORT NMEAWriter : public GPSOutputReceiver {
     ~NMEAWriter() override;
 
     /// Who is told, on the main thread, of each `warning` and `error`: an object and its method, or
-    /// a lambda (see MessageTarget.h); null: nobody.
-    void setErrorObject(MessageTarget<Report> target);
+    /// a lambda (see MessageTarget.h). Null: nobody.
+    void setErrorObject(MessageTarget<Report> target) {
+        observers_.setErrorObject(std::move(target));
+    }
     template <class Object, class Method>
     void setErrorObject(Object object, Method andSelector) {
         setErrorObject({std::move(object), std::move(andSelector)});
+    }
+    /// Who is told of the progress of transfers: of track points, waypoints and route points. Null:
+    /// nobody.
+    void setProgress(std::shared_ptr<GPXExporterProgress> progress) {
+        observers_.setProgress(std::move(progress));
     }
     /// Who is told of the progress of transfers: of track points, waypoints and route points. Held
     /// until replaced; null: nobody.
@@ -117,8 +124,23 @@ class PELLUVIA_EXPORT NMEAWriter : public GPSOutputReceiver {
     void endSending(int /*kind*/) override {}
 
   private:
-    struct State;
-    std::unique_ptr<State> state_;
+    struct Route {
+        std::string identifier;
+        std::vector<std::string> names;
+    };
+
+    void writeSentence(std::string_view body);
+    void writePlace(const GPSPoint &point, const Dictionary *extra, bool isInRoute);
+    void endRoute();
+    [[nodiscard]] bool isWritable(const GPSPoint &point);
+
+    std::unique_ptr<OutputFile> file_;
+    ReceiverObservers<NMEAWriter> observers_;
+    NameTable waypointNames_{"WP"};
+    NameTable routeNames_{"ROUTE"};
+    int routes_ = 0;
+    std::optional<Route> route_; ///< the open one
+    Omissions omissions_;
 };
 
 } // namespace pelluvia

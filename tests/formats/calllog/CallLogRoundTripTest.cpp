@@ -1,4 +1,5 @@
 #include <tests/formats/calllog/CallLogs.h>
+#include <tests/support/ExpectOrdered.h>
 
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/values/Array.h>
@@ -205,6 +206,25 @@ TEST(CallLogRoundTrip, A32BitFloatComesBackAsTheSameDigits) {
         }
     });
     EXPECT_EQ(rewrittenLog(log), log);
+}
+
+TEST(CallLogRoundTrip, CallsThatCameInOrderAreReadInOrder) {
+    const std::string log = writtenLog([](CallLogWriter &writer) {
+        writer.startTransfer(nullptr, transferKind::routes, nullptr);
+        writer.newRoute(nullptr);
+        writer.routePoint({}, nullptr);
+        writer.endTransfer(transferKind::routes);
+        writer.startTransfer(nullptr, transferKind::tracks, nullptr);
+        writer.newTrack(nullptr);
+        writer.newTrackSegment();
+        writer.trackPoint({}, nullptr);
+        writer.endTransfer(transferKind::tracks);
+        writer.gpsStateChange(gpsState::finished);
+    });
+    OrderChecker checker;
+    EXPECT_FALSE(testing::readLog(log, checker));
+    testing::expectOrdered(checker);
+    EXPECT_EQ(checker.calls(), 10U);
 }
 
 } // namespace

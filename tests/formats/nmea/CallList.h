@@ -56,8 +56,8 @@ class CallList : public SpyReceiver {
         if (call.number && text != "position") {
             text += " " + std::to_string(*call.number);
         }
-        if (const auto *error = std::get_if<ErrorPtr>(&call.report)) {
-            text += " " + (*error)->localizedDescription();
+        if (call.name == "error") {
+            text += " " + std::get<ErrorPtr>(call.report)->localizedDescription();
         }
         return call.name == "trackPoint" ? text : text + textOf(call.extra);
     }

@@ -1,6 +1,7 @@
 #include <Pelluvia/formats/nmea/NMEADriver.h>
 
 #include <tests/formats/nmea/Logs.h>
+#include <tests/support/ExpectOrdered.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <Pelluvia/system/Log.h>
@@ -66,6 +67,16 @@ TEST_F(Corpus, HoldsTheSamePointsAsEver) {
         EXPECT_EQ(driver.tally().points, counts.points) << name;
         EXPECT_EQ(driver.tally().waypoints, counts.waypoints) << name;
         EXPECT_EQ(driver.tally().badChecksum, counts.badChecksum) << name;
+    }
+}
+
+TEST_F(Corpus, CallsComeInTheirOrder) {
+    for (const auto &entry : std::filesystem::directory_iterator(folder())) {
+        SCOPED_TRACE(entry.path());
+        OrderChecker checker;
+        NMEADriver driver(checker);
+        EXPECT_EQ(driver.processFile(entry.path().string()), nullptr);
+        pelluvia::testing::expectOrdered(checker);
     }
 }
 

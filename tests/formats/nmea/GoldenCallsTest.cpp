@@ -1,3 +1,4 @@
+#include <tests/support/ExpectOrdered.h>
 #include <tests/support/SpyReceiver.h>
 #include <tests/support/TemporaryFolder.h>
 
@@ -15,6 +16,13 @@
 
 namespace pelluvia {
 namespace {
+
+TEST(GoldenCalls, ComeInTheirOrder) {
+    OrderChecker checker;
+    NMEADriver driver(checker);
+    EXPECT_EQ(driver.processFile(testing::fixture("nmea/all-sentences.nmea")), nullptr);
+    testing::expectOrdered(checker);
+}
 
 TEST(GoldenCalls, OfALogWithSomethingOfEverythingAreTheExpectedOnes) {
     testing::SpyReceiver spy;
