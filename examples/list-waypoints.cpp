@@ -8,7 +8,7 @@
 
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 #include <Pelluvia/model/ExtrasKeys.h>
-#include <Pelluvia/model/GPSOutputReceiver.h>
+#include <Pelluvia/model/NullReceiver.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -26,9 +26,10 @@ std::string text(const Dictionary *extra, const Key &key) {
     return std::string(found.value_or(""));
 }
 
-/// Prints waypoints as they come. A receiver is sent everything that a producer has, and does
-/// nothing where it does not care.
-class WaypointPrinter : public GPSOutputReceiver {
+/// Prints waypoints as they come. A receiver is sent everything that a producer has; what it does
+/// not override it leaves to `NullReceiver`, which does nothing. An error of the file comes to
+/// `error`, too, but `processFile` also returns it.
+class WaypointPrinter : public NullReceiver {
   public:
     void wayPoint(GPSPoint point, const Dictionary *extra) override {
         std::printf("%-16s %10.5f %10.5f", text(extra, extras::name).c_str(), point.latitude,
@@ -41,23 +42,6 @@ class WaypointPrinter : public GPSOutputReceiver {
         }
         std::printf("\n");
     }
-
-    void newTrackSegment() override {}
-    void newTrack(const Dictionary *) override {}
-    void newRoute(const Dictionary *) override {}
-    void trackPoint(GPSPoint, const Dictionary *) override {}
-    void routePoint(GPSPoint, const Dictionary *) override {}
-    void poiPoint(GPSPoint, const Dictionary *) override {}
-    void lapInfoStart(GPSPoint, GPSPoint, const Dictionary *) override {}
-    void startTransfer(const void *, int, const Dictionary *) override {}
-    void endTransfer(int) override {}
-    void currentPosition(GPSPoint, int) override {}
-    void warning(const Report &) override {}
-    void error(const Report &) override {} // `processFile` returns it, too
-    void gpsStateChange(int) override {}
-    void startSending(const void *, int, const Dictionary *) override {}
-    void sendProgress(int) override {}
-    void endSending(int) override {}
 };
 
 } // namespace
