@@ -23,6 +23,7 @@ namespace pelluvia {
 ///
 ///     const auto filter = std::make_shared<TimedPointsOnly>(exporter);
 ///     const auto importer = GPXFileImporter::initWithReceiver(filter);
+///     const ErrorPtr error = importer->processFile("ride.gpx");
 ///
 /// Dictionaries are passed on as they came, and are those of the producer: a filter that changes
 /// one sends a copy.

@@ -7,6 +7,17 @@ namespace pelluvia {
 /// A receiver that does nothing with any call: for producers that are run for another reason than
 /// their calls, and as a base for receivers that are interested in few of them.
 ///
+///     /// Counts waypoints.
+///     class WaypointCounter : public NullReceiver {
+///       public:
+///         void wayPoint(GPSPoint, const Dictionary *) override { ++count; }
+///         int count = 0;
+///     };
+///
+///     const auto counter = std::make_shared<WaypointCounter>();
+///     const ErrorPtr error =
+///         GPXFileImporter::initWithReceiver(counter)->processFile("ride.gpx");
+///
 /// Threads: any.
 class NullReceiver : public GPSOutputReceiver {
   public:

@@ -13,6 +13,8 @@ namespace pelluvia {
 ///     using Receivers = std::vector<std::shared_ptr<GPSOutputReceiver>>;
 ///     const auto both = std::make_shared<TeeReceiver>(Receivers{recorder, exporter});
 ///     const auto importer = GPXFileImporter::initWithReceiver(both);
+///     const ErrorPtr error = importer->processFile("ride.gpx");
+///     both->gpsStateChange(gpsState::finished); // the exporter completes its file
 ///
 /// All get the same dictionaries, which are the producer's. Each has observers of its own: what
 /// they are told of errors and of progress they are told by each receiver.

@@ -73,29 +73,6 @@ TEST(ForwardingReceiver, MayLeadNowhere) {
     SUCCEED();
 }
 
-/// Leaves out the track points without a time: the filter of the class's description.
-class TimedPointsOnly : public ForwardingReceiver {
-  public:
-    using ForwardingReceiver::ForwardingReceiver;
-
-    void trackPoint(GPSPoint point, const Dictionary *extra) override {
-        if (point.time != 0) {
-            ForwardingReceiver::trackPoint(point, extra);
-        }
-    }
-};
-
-TEST(ForwardingReceiver, IsTheBaseOfFilters) {
-    const auto spy = std::make_shared<SpyReceiver>();
-    const auto filter = std::make_shared<TimedPointsOnly>(spy);
-    filter->newTrackSegment();
-    filter->trackPoint({1, 2, 0, 0, 0}, nullptr);
-    filter->trackPoint({3, 4, 0, 1'718'000'000, 0}, nullptr);
-    filter->wayPoint({5, 6, 0, 0, 0}, nullptr);
-    EXPECT_EQ(spy->names(), (Lines{"newTrackSegment", "trackPoint", "wayPoint"}));
-    EXPECT_EQ(spy->seen[1].point.latitude, 3);
-}
-
 TEST(TeeReceiver, PassesEveryCallOnToAllInTheirOrder) {
     const Dictionary extra = sample();
     const auto first = std::make_shared<SpyReceiver>();

@@ -6,6 +6,7 @@
 #include <Pelluvia/system/MainThread.h>
 #include <tests/recording/Spies.h>
 
+#include <functional>
 #include <gtest/gtest.h>
 #include <limits>
 #include <memory>
@@ -254,35 +255,54 @@ TEST_F(RecordingObservers, WithoutAProgressObjectNothingIsTold) {
     EXPECT_TRUE(progress->lines.empty());
 }
 
-/// Leaves the recorder, which was its only owner, at the first message.
-class Leaver : public ProgressSpy {
+/// The calls of which a progress object is told.
+const std::vector<void (*)(RecordingGPSOutput &)> toldCalls = {
+    [](RecordingGPSOutput &to) { to.startTransfer(nullptr, 1, nullptr); },
+    [](RecordingGPSOutput &to) { to.wayPoint(GPSPoint(), nullptr); },
+    [](RecordingGPSOutput &to) { to.trackPoint(GPSPoint(), nullptr); },
+    [](RecordingGPSOutput &to) { to.routePoint(GPSPoint(), nullptr); },
+    [](RecordingGPSOutput &to) { to.sendProgress(1); },
+    [](RecordingGPSOutput &to) { to.startSending(nullptr, 1, nullptr); },
+    [](RecordingGPSOutput &to) { to.endSending(1); },
+    [](RecordingGPSOutput &to) { to.endTransfer(1); },
+};
+
+/// Does something at each message, and must be there still when that is done.
+class Actor : public ProgressSpy, public std::enable_shared_from_this<Actor> {
   public:
-    explicit Leaver(RecordingGPSOutput &watched) : recorder(watched) {}
-    void gpxStartTransfer(int kind, int count) override { leave(kind + count); }
-    void gpxProgress(int kind, int index) override { leave(kind + index); }
-    void gpxEndTransfer(int kind) override { leave(kind); }
+    explicit Actor(std::function<void()> action) : action_(std::move(action)) {}
+    void gpxStartTransfer(int kind, int count) override { act(kind + count); }
+    void gpxProgress(int kind, int index) override { act(kind + index); }
+    void gpxEndTransfer(int kind) override { act(kind); }
 
   private:
-    void leave(int sum) {
-        recorder.setProgress(nullptr);
+    void act(int sum) {
+        const std::weak_ptr<Actor> self = weak_from_this();
+        action_();
+        ASSERT_FALSE(self.expired());
         lines.push_back("still here with " + std::to_string(sum));
     }
-    RecordingGPSOutput &recorder;
+    std::function<void()> action_;
 };
 
 TEST_F(RecordingObservers, AProgressObjectMayTakeItselfAwayWhenItIsTold) {
-    const std::vector<void (*)(RecordingGPSOutput &)> calls = {
-        [](RecordingGPSOutput &to) { to.startTransfer(nullptr, 1, nullptr); },
-        [](RecordingGPSOutput &to) { to.wayPoint(GPSPoint(), nullptr); },
-        [](RecordingGPSOutput &to) { to.sendProgress(1); },
-        [](RecordingGPSOutput &to) { to.endSending(1); },
-        [](RecordingGPSOutput &to) { to.endTransfer(1); },
-    };
-    for (const auto call : calls) {
-        auto leaver = std::make_shared<Leaver>(*recorder);
-        const std::weak_ptr<Leaver> watched = leaver;
-        recorder->setProgress(std::move(leaver));
+    for (const auto call : toldCalls) {
+        auto actor = std::make_shared<Actor>([&] { recorder->setProgress(nullptr); });
+        const std::weak_ptr<Actor> watched = actor;
+        recorder->setProgress(std::move(actor));
         call(*recorder);
+        EXPECT_TRUE(watched.expired());
+    }
+}
+
+TEST_F(RecordingObservers, AProgressObjectMayDropTheLastReferenceToTheRecorder) {
+    for (const auto call : toldCalls) {
+        recorder = RecordingGPSOutput::recorder();
+        recorder->newTrack(nullptr); // to be filed at the end of the transfer
+        const std::weak_ptr<RecordingGPSOutput> watched = recorder;
+        recorder->setProgress(std::make_shared<Actor>([&] { recorder.reset(); }));
+        RecordingGPSOutput &borrowed = *recorder;
+        call(borrowed);
         EXPECT_TRUE(watched.expired());
     }
 }

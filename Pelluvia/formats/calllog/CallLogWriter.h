@@ -24,9 +24,9 @@ namespace pelluvia {
 ///     if (writer == nullptr) {
 ///         return show(error.message());
 ///     }
-///     const ErrorPtr readingError =
-///     GPXFileImporter::initWithReceiver(writer)->processFile("ride.gpx"); if (const
-///     std::error_code failure = writer->close()) {
+///     const auto importer = GPXFileImporter::initWithReceiver(writer);
+///     const ErrorPtr readingError = importer->processFile("ride.gpx");
+///     if (const std::error_code failure = writer->close()) {
 ///         show(failure.message()); // the log is not complete
 ///     }
 ///
