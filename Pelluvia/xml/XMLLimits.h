@@ -23,5 +23,7 @@ inline constexpr int attributes = 500;
 /// Different names, prefixes and namespace URIs of a document that the XML library reads, which
 /// keeps them all; looked at from time to time.
 inline constexpr std::size_t names = 100'000;
+/// Bytes of memory that it has taken for them when it needs more; it takes large blocks.
+inline constexpr std::size_t nameMemory = 10'000'000;
 
 } // namespace pelluvia::xmlLimits

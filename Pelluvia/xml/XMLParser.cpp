@@ -49,11 +49,11 @@ class XMLParser::State {
   private:
     [[nodiscard]] ErrorPtr readDocument();
     [[nodiscard]] ErrorPtr readUnknown();
+    [[nodiscard]] ErrorPtr readWithBoth(xml::KnownContent &content);
     [[nodiscard]] ErrorPtr readKnown();
     [[nodiscard]] ErrorPtr readWithScanner();
     [[nodiscard]] ErrorPtr readWithLibrary(xml::Reported reported);
     [[nodiscard]] bool mayScan() const;
-    [[nodiscard]] bool hasChangedSince(const std::optional<xml::SourceState> &before) const;
     [[nodiscard]] ErrorPtr changeError();
     [[nodiscard]] ErrorPtr abortError() const;
 
@@ -85,12 +85,23 @@ ErrorPtr XMLParser::State::readDocument() {
     return known.content() == nullptr ? readUnknown() : readKnown();
 }
 
-/// The scanner begins; where it gives up, the library reads the document from the start and reports
-/// what the scanner has not. What can be read only once is the library's.
+/// Reads, and remembers what later parses may want to know.
 ErrorPtr XMLParser::State::readUnknown() {
     const auto content = std::make_shared<xml::KnownContent>();
     content->state = source_->state();
     known = XMLKnownFile(content);
+    ErrorPtr outcome = readWithBoth(*content);
+    content->digest = source_->digest();
+    return outcome;
+}
+
+/// The scanner begins; where it gives up, the library reads the document from the start and reports
+/// what the scanner has not. What can be read only once is the library's.
+ErrorPtr XMLParser::State::readWithBoth(xml::KnownContent &content) {
+    const bool isFile = content.state && source_->descriptor() >= 0;
+    if (isFile) {
+        source_->keepDigest();
+    }
     auto sourceForLibrary = mayScan() ? source_->again() : nullptr;
     if (sourceForLibrary == nullptr) {
         return readWithLibrary({});
@@ -100,7 +111,7 @@ ErrorPtr XMLParser::State::readUnknown() {
     engine_ = std::move(scan);
     switch (engine.run()) {
     case Scanned::wellFormed:
-        content->isUsual = true;
+        content.isUsual = true;
         return nullptr;
     case Scanned::aborted:
         known = XMLKnownFile();
@@ -110,21 +121,34 @@ ErrorPtr XMLParser::State::readUnknown() {
     }
     const xml::Reported reported = engine.reported();
     engine_.reset();
+    content.digest = source_->digest();
     bytesReadBefore_ = source_->bytesRead();
     source_ = std::move(sourceForLibrary);
-    if (hasChangedSince(content->state)) {
+    if (!content.isStillIn(*source_)) {
         return changeError(); // the library would not go on where the scanner was
+    }
+    if (isFile) {
+        source_->keepDigest();
     }
     return readWithLibrary(reported);
 }
 
 ErrorPtr XMLParser::State::readKnown() {
-    const auto content = known.content();
-    if (hasChangedSince(content->state)) {
+    xml::KnownContent content = *known.content();
+    if (!content.isStillIn(*source_)) {
         return changeError();
     }
-    ErrorPtr outcome = content->isUsual && mayScan() ? readWithScanner() : readWithLibrary({});
-    return hasChangedSince(content->state) ? changeError() : outcome;
+    content.state = source_->state();
+    ErrorPtr outcome = content.isUsual && mayScan() ? readWithScanner() : readWithLibrary({});
+    if (!content.isStillIn(*source_)) {
+        return changeError();
+    }
+    // If it was only touched, later parses need not compare it again.
+    if (const auto now = source_->state(); now != known.content()->state) {
+        content.state = now;
+        known = XMLKnownFile(std::make_shared<xml::KnownContent>(content));
+    }
+    return outcome;
 }
 
 /// Reads what the scanner was able to read before.
@@ -158,10 +182,6 @@ bool XMLParser::State::mayScan() const {
     const char *const wanted = std::getenv("PELLUVIA_XML_ENGINE");
     return wantedEngine == XMLEngine::automatic &&
            (wanted == nullptr || std::string_view(wanted) != "libxml2");
-}
-
-bool XMLParser::State::hasChangedSince(const std::optional<xml::SourceState> &before) const {
-    return before && source_->state() != *before;
 }
 
 ErrorPtr XMLParser::State::changeError() {

@@ -64,6 +64,14 @@ int codeOf(const std::string &text) {
     return code;
 }
 
+/// The message of the error that a text leads to.
+std::string messageOf(std::string text) {
+    CountingDelegate delegate(false);
+    const auto parser = parserOf(std::move(text));
+    parser->setDelegate(&delegate);
+    return parser->parse() ? "none" : parser->parserError()->localizedDescription();
+}
+
 /// Entities each of which refers ten times to the one before.
 std::string laughs(int levels) {
     std::string subset = "<!DOCTYPE a [<!ENTITY e0 'ha'>";
@@ -275,6 +283,63 @@ TEST(XMLLimits, TheDocumentTypeDeclarationIsLimited) {
     }
     std::size_t read = 0;
     EXPECT_EQ(codeOf("<!DOCTYPE a [", "<!ELEMENT b EMPTY>", 180'000, "]><a/>", false, read), 0);
+}
+
+TEST(XMLLimits, MessagesNameTheLimit) {
+    EXPECT_EQ(messageOf(repeated("<a>", 257)), "Elements are nested more than 256 deep");
+    EXPECT_EQ(messageOf("<a>" + repeated("text ", xmlLimits::textSize / 5 + 1) + "</a>"),
+              "The text between two tags is longer than 10,000,000 bytes");
+    EXPECT_EQ(messageOf("<a" + std::string(2 * xmlLimits::textSize, ' ') + "/>"),
+              "A tag, other markup, or blank space is longer than 10,000,000 bytes");
+    EXPECT_EQ(messageOf("<a b='" + repeated("&amp;", 2 * xmlLimits::textSize / 5) + "'/>"),
+              "A tag, other markup, or blank space is longer than 10,000,000 bytes");
+    EXPECT_EQ(messageOf("<!DOCTYPE a [" + repeated("<!-- -->", 40'000) + "]><a/>"),
+              "The document type declaration is longer than 256,000 bytes");
+    std::string attributes;
+    std::string names;
+    for (int i = 0; i < 200'000; ++i) {
+        const std::string number = std::to_string(i);
+        names.append("<n").append(number).append("/>");
+        if (i <= xmlLimits::attributes) {
+            attributes.append(" b").append(number).append("=''");
+        }
+    }
+    EXPECT_EQ(messageOf("<a" + attributes + "/>"),
+              "A tag has more than 500 attributes, or as many namespace declarations are in force");
+    EXPECT_EQ(messageOf("<!DOCTYPE a><a>" + names + "</a>"),
+              "There are more than 100,000 different names");
+}
+
+/// Fewer names than are too many, but each one long: elements, attributes, namespaces, targets of
+/// instructions, entities.
+TEST(XMLLimits, TheMemoryForNamesIsLimited) {
+    const std::string filling(5000, 'x');
+    const auto document = [&](int names, const char *before, const char *behind) {
+        std::string text = "<!DOCTYPE a [<!ENTITY % p SYSTEM 'p'>%p;]><a>";
+        for (int i = 0; i < names; ++i) {
+            text.append(before).append(std::to_string(i)).append(filling).append(behind);
+        }
+        return text + "</a>";
+    };
+    for (const auto &[before, behind] :
+         {std::pair("<n", "/>"), std::pair("<b n", "=''/>"), std::pair("<b xmlns='n", "'/>"),
+          std::pair("<?n", " ?>"), std::pair("&n", ";")}) {
+        EXPECT_EQ(codeOf(document(1'500, before, behind)), 0) << before;
+        const std::string many = document(10'000, before, behind);
+        EXPECT_EQ(codeOf(many), xmlErrors::limit) << before;
+        EXPECT_EQ(messageOf(many), "The different names take more than 10,000,000 bytes") << before;
+    }
+}
+
+TEST(XMLLimits, AnEntityBombIsNotCalledALoop) {
+    const std::string bomb = "Entities and default values add more than 1,000,000 bytes and 5 "
+                             "times what was read to the document";
+    EXPECT_EQ(messageOf(laughs(9) + "<a>&e9;</a>"), bomb);
+    EXPECT_EQ(messageOf(laughs(9) + "<a b='&e9;'/>"), bomb);
+    const std::string deep = "Entities refer to themselves, or to one another more than 40 deep";
+    EXPECT_EQ(messageOf("<!DOCTYPE a [<!ENTITY e '&e;'>]><a>&e;</a>"), deep);
+    EXPECT_EQ(messageOf("<!DOCTYPE a [<!ENTITY e '&e;'>]><a b='&e;'/>"), deep);
+    EXPECT_EQ(messageOf(laughs(60) + "<a>&e60;</a>"), deep);
 }
 
 TEST(XMLLimits, NoEventFollowsTheError) {

@@ -25,6 +25,12 @@ class Input {
     /// as `failure` tells.
     [[nodiscard]] bool begin();
 
+    /// The first bytes, without a byte order mark, when they are not converted: at most some 1,000;
+    /// empty otherwise. To be asked between `begin` and `read`.
+    [[nodiscard]] std::string_view unconvertedStart() const noexcept {
+        return converter_ ? std::string_view() : unread_;
+    }
+
     /// Writes at most `room` bytes of text. Returns their number; 0 at the end and after a failure.
     /// Before that it gives almost `room` bytes, in whatever portions the source gives them: the
     /// parser asks ahead of what it looks at and relies on getting it. `room` must be at least 16.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Pelluvia/xml/internal/ContentDigest.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -35,11 +37,20 @@ class Source {
     /// Reads at most `size` bytes. Returns their number, 0 at the end, or a negated `errno` value.
     [[nodiscard]] ssize_t read(char *to, std::size_t size) {
         const ssize_t count = readSome(to, size);
-        bytesRead_ += count > 0 ? static_cast<std::uint64_t>(count) : 0;
+        if (count > 0) {
+            bytesRead_ += static_cast<std::uint64_t>(count);
+            if (digest_) {
+                digest_->add({to, static_cast<std::size_t>(count)});
+            }
+        }
         return count;
     }
     /// How many bytes `read` has given.
     [[nodiscard]] std::uint64_t bytesRead() const noexcept { return bytesRead_; }
+
+    /// From now on, `digest` tells of all bytes that `read` gives.
+    void keepDigest() { digest_.emplace(); }
+    [[nodiscard]] const std::optional<ContentDigest> &digest() const noexcept { return digest_; }
 
     /// Another source of the same bytes, open and at their beginning, or null when they can be read
     /// only once. To be asked of an open source.
@@ -63,6 +74,7 @@ class Source {
 
   private:
     std::uint64_t bytesRead_ = 0;
+    std::optional<ContentDigest> digest_;
 };
 
 } // namespace pelluvia::xml

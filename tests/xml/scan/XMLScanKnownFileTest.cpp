@@ -104,15 +104,13 @@ TEST(XMLScanKnownFile, AFileThatHasChangedIsNotRead) {
         [&] { testing::writeFile(path, std::string(usual) + "\n"); },
         [&] { testing::writeFile(path, usual.substr(0, 10)); },
         [&] { testing::writeFile(path, ""); },
-        [&] { testing::writeFile(path, usual); },
-        [&] { fs::last_write_time(path, fs::file_time_type::clock::now()); },
-        [&] {
-            const std::string other = folder.write("b.gpx", usual);
-            fs::last_write_time(other, fs::last_write_time(path));
-            fs::rename(other, path);
-        },
+        [&] { testing::writeFile(path, "<gpx><trk a='2'>text</trk></gpx>"); },
+        [&] { testing::writeFile(path, "<gpx><trk a='1'>texT</trk></gpx>"); },
+        [&] { fs::rename(folder.write("b.gpx", "<gpx><trk b='1'>text</trk></gpx>"), path); },
     };
-    for (const std::string_view document : {usual, std::string_view("<!DOCTYPE gpx><gpx/>")}) {
+    for (const std::string_view document :
+         {usual, std::string_view("<!DOCTYPE gpx><gpx>  </gpx>     ")}) {
+        ASSERT_EQ(document.size(), usual.size());
         for (const auto &change : changes) {
             testing::writeFile(path, document);
             makeOld(path);
@@ -122,6 +120,49 @@ TEST(XMLScanKnownFile, AFileThatHasChangedIsNotRead) {
             EXPECT_EQ(outcomeOfKnown(path, file), changed);
         }
     }
+}
+
+/// Its times and its identity tell that something may have happened; but nothing has.
+TEST(XMLScanKnownFile, AFileThatWasOnlyTouchedIsRead) {
+    const TemporaryFolder folder;
+    const std::string path = folder.file("a.gpx");
+    for (const std::string_view document :
+         {usual, std::string_view("<!DOCTYPE gpx><gpx><b/>&amp;</gpx>")}) {
+        const std::function<void()> touches[] = {
+            [&] { fs::last_write_time(path, fs::file_time_type::clock::now()); },
+            [&] { testing::writeFile(path, document); },
+            [&] { fs::rename(folder.write("b.gpx", document), path); },
+        };
+        for (const auto &touch : touches) {
+            testing::writeFile(path, document);
+            makeOld(path);
+            const auto first = parserOf(path);
+            ASSERT_TRUE(first->parse());
+            touch();
+            RecordingXMLDelegate delegate;
+            const auto second = parserOf(path);
+            second->setKnownFile(first->knownFile());
+            EXPECT_EQ(outcomeOf(*second, delegate), "");
+            EXPECT_EQ(second->knownFile().isUsual(), first->knownFile().isUsual());
+            // And what is known now holds on.
+            EXPECT_EQ(outcomeOfKnown(path, second->knownFile()), "");
+            makeOld(path);
+            EXPECT_EQ(outcomeOfKnown(path, second->knownFile()), "");
+            testing::writeFile(path, std::string(document.size(), ' '));
+            EXPECT_EQ(outcomeOfKnown(path, second->knownFile()), changed);
+        }
+    }
+}
+
+TEST(XMLScanKnownFile, AMalformedFileThatWasTouchedFailsAsBefore) {
+    const TemporaryFolder folder;
+    const std::string path = folder.write("a.gpx", "<gpx>\n<trk></gpx>");
+    makeOld(path);
+    RecordingXMLDelegate delegate;
+    const auto first = parserOf(path);
+    const std::string outcome = outcomeOf(*first, delegate);
+    fs::last_write_time(path, fs::file_time_type::clock::now());
+    EXPECT_EQ(outcomeOfKnown(path, first->knownFile()), outcome);
 }
 
 TEST(XMLScanKnownFile, AFileThatIsGoneOrNoFileAnyMore) {
@@ -153,9 +194,10 @@ TEST(XMLScanKnownFile, AFileThatChangesWhileItIsReadAgainGivesAnError) {
         [&] { fs::resize_file(path, document.size() / 2); },
         [&] { fs::resize_file(path, 0); },
         [&] { fs::resize_file(path, document.size() * 2); },
-        [&] { testing::writeFile(path, document); },
         [&] { testing::writeFile(path, std::string(document.size(), '<')); },
         [&] { testing::writeFile(path, "<gpx/>"); },
+        // What was read is not there any more, what comes is as before.
+        [&] { testing::writeFile(path, std::string(document).replace(8, 3, "wpt")); },
     };
     for (const auto &change : changes) {
         testing::writeFile(path, document);
@@ -172,6 +214,34 @@ TEST(XMLScanKnownFile, AFileThatChangesWhileItIsReadAgainGivesAnError) {
         EXPECT_EQ(outcomeOf(*parser, delegate), changed);
         EXPECT_EQ(parser->lineNumber(), 0);
         EXPECT_EQ(delegate.events.back(), "error 1549");
+    }
+}
+
+TEST(XMLScanKnownFile, AFileThatIsTouchedWhileItIsReadIsReadToItsEnd) {
+    const TemporaryFolder folder;
+    const std::string path = folder.file("a.gpx");
+    const std::string usualDocument = large();
+    const std::string unusualDocument = usualDocument.substr(0, usualDocument.size() - 8) +
+                                        "<!-- " + std::string(200'000, ' ') +
+                                        " --><\xC3\xA9/></gpx>\n";
+    for (const std::string &document : {usualDocument, unusualDocument}) {
+        for (const bool isKnown : {false, true}) {
+            testing::writeFile(path, document);
+            makeOld(path);
+            RecordingXMLDelegate delegate;
+            delegate.onEvent = [&](XMLParser &, const std::string &) {
+                if (delegate.events.size() == 1000) {
+                    fs::last_write_time(path, fs::file_time_type::clock::now());
+                }
+            };
+            const auto parser = parserOf(path);
+            if (isKnown) {
+                parser->setKnownFile(counted(path));
+            }
+            EXPECT_EQ(outcomeOf(*parser, delegate), "");
+            EXPECT_EQ(delegate.events.back(), "end gpx");
+            EXPECT_EQ(outcomeOfKnown(path, parser->knownFile()), "");
+        }
     }
 }
 

@@ -1,3 +1,4 @@
+#include <Pelluvia/xml/internal/sax2/LimitFailures.h>
 #include <Pelluvia/xml/internal/sax2/Sax2Engine.h>
 
 #include <algorithm>
@@ -42,11 +43,11 @@ inline void Sax2Engine::startElement(const xmlParserCtxt &context, const xmlChar
     textSize_ = 0;
     budget_.endValues();
     if (depth_ == open_.size()) {
-        return fail({XML_ERR_INTERNAL_ERROR, "Excessive depth in document"});
+        return fail(limitFailures::depth());
     }
     // The library keeps two pointers for each declaration that is in force.
     if (attributes.size() > xmlLimits::attributes || context.nsNr > 2 * xmlLimits::attributes) {
-        return failForAttributes();
+        return fail(limitFailures::attributes());
     }
     for (const Attribute &each : attributes.last(defaulted)) {
         spend(NameTable::text(each.localName).size() + each.value().size());
@@ -104,7 +105,7 @@ inline void Sax2Engine::endElement() {
 inline void Sax2Engine::characters(std::string_view text) {
     textSize_ += text.size();
     if (textSize_ > xmlLimits::textSize) {
-        return fail({XML_ERR_INTERNAL_ERROR, "Text too long"});
+        return fail(limitFailures::textSize());
     }
     if (reported_.tags != 0 || interests_[depth_ - 1] != XMLInterest::all) {
         return;

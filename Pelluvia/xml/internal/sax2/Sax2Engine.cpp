@@ -1,7 +1,10 @@
 #include <Pelluvia/xml/internal/sax2/Sax2Engine.h>
 
 #include <Pelluvia/xml/XMLErrors.h>
+#include <Pelluvia/xml/internal/ForeignFormat.h>
+#include <Pelluvia/xml/internal/sax2/LimitFailures.h>
 
+#include <cstring>
 #include <libxml/xmlerror.h>
 #include <mutex>
 #include <new>
@@ -20,6 +23,46 @@ static_assert(xmlErrors::contradictedEncoding == XML_ERR_INVALID_ENCODING);
 static_assert(xmlErrors::entities == XML_ERR_ENTITY_LOOP);
 static_assert(xmlErrors::unreadable == XML_IO_LOAD_ERROR);
 static_assert(xmlErrors::notInEncoding == XML_I18N_CONV_FAILED);
+
+namespace {
+
+/// Whether the library refuses to keep one more name, because of its limit. It then takes names for
+/// missing, and complains of anything.
+bool isFull(xmlDictPtr names) {
+    const std::string longest(50'000, '#'); // and no name
+    return xmlDictGetUsage(names) > xmlLimits::nameMemory &&
+           xmlDictLookup(names, reinterpret_cast<const xmlChar *>(longest.data()),
+                         static_cast<int>(longest.size())) == nullptr;
+}
+
+/// What the library has to say; but of limits, which it does not always name.
+Failure failureOf(const xmlParserCtxt &context, const xmlError &error) {
+    constexpr int deepest = 40; // that it follows entities
+    const char *const message = error.message != nullptr ? error.message : "Parse error";
+    switch (error.code) {
+    case XML_ERR_INTERNAL_ERROR:
+        if (std::strstr(message, "Huge input lookup") != nullptr) {
+            return limitFailures::markupSize();
+        }
+        break;
+    case XML_ERR_ENTITY_LOOP:
+        return context.depth >= deepest || context.inputNr > deepest
+                   ? limitFailures::entityDepth()
+                   : limitFailures::amplification();
+    case XML_ERR_NO_MEMORY:
+    case XML_ERR_NAME_REQUIRED:
+    case XML_ERR_PI_NOT_STARTED:
+        if (isFull(context.dict)) {
+            return limitFailures::nameMemory();
+        }
+        break;
+    default:
+        break;
+    }
+    return {error.code, message};
+}
+
+} // namespace
 
 Sax2Engine::Sax2Engine(XMLParser &parser, Source &source, XMLParserDelegate *delegate,
                        bool resolvesExternalEntities, Reported reported)
@@ -42,6 +85,10 @@ ErrorPtr Sax2Engine::run() {
     if (!input_.begin()) {
         stopped_ = true;
         return makeError(*input_.failure(), position_ = input_.failurePosition());
+    }
+    if (const auto foreign = foreignFormat(input_.unconvertedStart())) {
+        stopped_ = true;
+        return makeError(*foreign, position_ = {1, 1});
     }
     createContext();
     const XMLVocabulary vocabulary = delegate_.vocabulary();
@@ -72,6 +119,7 @@ void Sax2Engine::createContext() {
     xmlCtxtUseOptions(context_, XML_PARSE_NONET | XML_PARSE_IGNORE_ENC |
                                     (resolvesExternalEntities_ ? XML_PARSE_DTDLOAD : 0));
     context_->replaceEntities = 1;
+    xmlDictSetLimit(context_->dict, xmlLimits::nameMemory);
     // The input is UTF-8 by now, whatever its first bytes look like.
     context_->encoding = xmlStrdup(reinterpret_cast<const xmlChar *>("UTF-8"));
 }
@@ -108,10 +156,6 @@ void Sax2Engine::fail(Failure failure) {
     }
 }
 
-void Sax2Engine::failForAttributes() {
-    fail({XML_ERR_INTERNAL_ERROR, "Too many attributes or namespace declarations"});
-}
-
 void Sax2Engine::stop() noexcept {
     position_ = place();
     stopped_ = true;
@@ -122,16 +166,16 @@ std::size_t Sax2Engine::read(char *to, std::size_t room) {
     // Each attribute and each declaration is compared with all others of its tag.
     if (context_->maxatts > 20 * xmlLimits::attributes ||
         context_->nsMax > 8 * xmlLimits::attributes) {
-        failForAttributes();
+        fail(limitFailures::attributes());
     }
     // The library finds a name among all that it keeps, the slower, the more there are.
     if (static_cast<std::size_t>(xmlDictSize(context_->dict)) > xmlLimits::names) {
-        fail({XML_ERR_INTERNAL_ERROR, "Too many different names"});
+        fail(limitFailures::names());
     }
     // The library keeps what it has not done with, and blank space outside elements altogether.
     const auto held = static_cast<std::size_t>(documentInput_->end - documentInput_->base);
     if (held > xmlLimits::textSize) {
-        fail({XML_ERR_INTERNAL_ERROR, "Huge input lookup"});
+        fail(limitFailures::markupSize());
     }
     if (stopped_) {
         return 0;
@@ -150,7 +194,7 @@ void Sax2Engine::libraryError(xmlParserCtxtPtr context, const xmlError &error) {
         if (input_.failure() && atEnd) {
             fail(*input_.failure());
         } else {
-            fail({error.code, error.message != nullptr ? error.message : "Parse error"});
+            fail(failureOf(*context, error));
         }
     } else if (error.code == XML_ERR_INVALID_URI) {
         // A parameter entity with such an identifier remains undeclared, which shall be no error.

@@ -94,7 +94,6 @@ class Sax2Engine final : public Engine {
 
     /// Ends the parse with an error, unless it has ended already.
     void fail(Failure failure);
-    void failForAttributes();
     /// Ends the parse; what follows in it is ignored.
     void stop() noexcept;
 

@@ -1,3 +1,4 @@
+#include <Pelluvia/xml/internal/sax2/LimitFailures.h>
 #include <Pelluvia/xml/internal/sax2/Sax2Engine.h>
 
 #include <libxml/SAX2.h>
@@ -117,7 +118,7 @@ xmlEntityPtr Sax2Engine::entity(xmlParserCtxtPtr context, const xmlChar *name) {
     const auto size = static_cast<std::size_t>(entity->length);
     spend(size);
     if (context->instate == XML_PARSER_ATTRIBUTE_VALUE && !budget_.spendInValue(size)) {
-        fail({XML_ERR_ATTRIBUTE_NOT_FINISHED, "AttValue length too long"});
+        fail(limitFailures::valueSize());
     }
     return entity;
 }
@@ -181,13 +182,13 @@ xmlParserInputPtr Sax2Engine::externalSubset(xmlParserCtxtPtr context,
 
 void Sax2Engine::spend(std::size_t size) {
     if (!budget_.spend(size, input_.delivered() + received_)) {
-        fail({XML_ERR_ENTITY_LOOP, "Detected an entity reference loop"});
+        fail(limitFailures::amplification());
     }
 }
 
 void Sax2Engine::declare(std::size_t size) {
     if (!budget_.declare(size)) {
-        fail({XML_ERR_INTERNAL_ERROR, "Document type declaration too long"});
+        fail(limitFailures::declarationsSize());
     }
 }
 
