@@ -2,6 +2,9 @@
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 
+#include <array>
+#include <cstddef>
+#include <utility>
 #include <variant>
 
 /// \file
@@ -10,6 +13,8 @@
 namespace pelluvia {
 
 using gpxTable::Rule;
+using gpxVocabulary::Name;
+using gpxVocabulary::Namespace;
 
 void ElementHandler::characters(XMLParser &parser, std::string_view text) {
     // The parser limits a text between two tags; here several can add up.
@@ -19,48 +24,60 @@ void ElementHandler::characters(XMLParser &parser, std::string_view text) {
     currentStringValue.append(text);
 }
 
-void ElementHandler::end(XMLParser &parser, const XMLElement &element) {
-    const gpxTable::Element &meaning =
-        gpxTable::endOf(gpxVocabulary::namespaceOf(element), gpxVocabulary::nameOf(element));
-    if (meaning.rule == Rule::cacheName && isInLogs()) {
-        return;
+/// What is done at the end of the element in a row of the table.
+template <std::size_t position>
+void ElementHandler::endAs(ElementHandler &self, [[maybe_unused]] XMLParser &parser) {
+    constexpr const gpxTable::Element &meaning = gpxTable::elements[position];
+    if constexpr (meaning.rule == Rule::cacheName) {
+        if (self.isInLogs()) {
+            return;
+        }
     }
-    if (meaning.rule != Rule::linkText || flags.inLink) {
-        take(meaning.text);
+    if (meaning.rule != Rule::linkText || self.flags.inLink) {
+        self.take<position>();
     }
-    if (meaning.flag.atEnd != nullptr) {
-        flags.*meaning.flag.atEnd = false;
+    if constexpr (meaning.flag.atEnd != nullptr) {
+        self.flags.*meaning.flag.atEnd = false;
     }
-    switch (meaning.rule) {
-    case Rule::waypoint:
-        return addWaypoint(parser);
-    case Rule::routePoint:
-        return addRoutePoint(parser);
-    case Rule::trackPoint:
-        return addTrkPt(parser);
-    default:
-        return;
+    if constexpr (meaning.rule == Rule::waypoint) {
+        self.addWaypoint(parser);
+    } else if constexpr (meaning.rule == Rule::routePoint) {
+        self.addRoutePoint(parser);
+    } else if constexpr (meaning.rule == Rule::trackPoint) {
+        self.addTrkPt(parser);
     }
 }
 
-/// A number empties the text that it is made of, a text does not.
-void ElementHandler::take(const gpxTable::Field &field) {
-    if (const auto *text = std::get_if<gpxTable::Text>(&field)) {
-        (collected.**text).setUnlessEmpty(currentStringValue);
-        return;
+/// The value of the collected text. A number empties the text that it is made of, a text does not.
+template <std::size_t position>
+void ElementHandler::take() {
+    constexpr const gpxTable::Field &field = gpxTable::elements[position].text;
+    if constexpr (std::holds_alternative<gpxTable::Text>(field)) {
+        (collected.*std::get<gpxTable::Text>(field)).setUnlessEmpty(currentStringValue);
+    } else if constexpr (!std::holds_alternative<gpxTable::Nowhere>(field)) {
+        if constexpr (std::holds_alternative<gpxTable::Altitude>(field)) {
+            currentPoint.setAltitude(currentStringValue);
+        } else if constexpr (std::holds_alternative<gpxTable::Time>(field)) {
+            currentPoint.setTime(currentStringValue);
+        } else {
+            (collected.*std::get<field.index()>(field)).set(currentStringValue);
+        }
+        currentStringValue.clear();
     }
-    if (const auto *integer = std::get_if<gpxTable::Integer>(&field)) {
-        (collected.**integer).set(currentStringValue);
-    } else if (const auto *fraction = std::get_if<gpxTable::Fraction>(&field)) {
-        (collected.**fraction).set(currentStringValue);
-    } else if (std::holds_alternative<gpxTable::Altitude>(field)) {
-        currentPoint.setAltitude(currentStringValue);
-    } else if (std::holds_alternative<gpxTable::Time>(field)) {
-        currentPoint.setTime(currentStringValue);
-    } else {
-        return;
+}
+
+void ElementHandler::endNumbered(XMLParser &parser, const XMLElement &element) {
+    static constexpr auto functions =
+        []<std::size_t... position>(std::index_sequence<position...>) {
+        return std::array{&ElementHandler::endAs<position>...};
     }
-    currentStringValue.clear();
+    (std::make_index_sequence<gpxTable::elements.size()>());
+    functions[gpxTable::positionAtEnd(static_cast<Namespace>(element.namespaceNumber),
+                                      static_cast<Name>(element.nameNumber))](*this, parser);
+}
+
+void ElementHandler::endUnnumbered(XMLParser &parser, const XMLElement &element) {
+    endNumbered(parser, gpxVocabulary::numbered(element));
 }
 
 } // namespace pelluvia

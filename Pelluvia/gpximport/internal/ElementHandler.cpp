@@ -52,14 +52,6 @@ void ElementHandler::abort(XMLParser &parser, std::string_view message) {
     parser.abortParsing();
 }
 
-bool ElementHandler::isStopped(XMLParser &parser) const {
-    const bool isStopped = stopToken.stop_requested();
-    if (isStopped) {
-        parser.abortParsing();
-    }
-    return isStopped;
-}
-
 std::tuple<bool &, bool &, bool &, bool &, bool &, bool &, bool &, bool &>
 ElementHandler::nesting() noexcept {
     return {flags.inRoute, flags.inRoutePoint, flags.inWaypoint,     flags.inTrkSeg,

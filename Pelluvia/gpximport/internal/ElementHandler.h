@@ -4,12 +4,14 @@
 #include <Pelluvia/gpximport/internal/CollectedValues.h>
 #include <Pelluvia/gpximport/internal/ContextFlags.h>
 #include <Pelluvia/gpximport/internal/GPXTable.h>
+#include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 #include <Pelluvia/model/GPSOutputReceiver.h>
 #include <Pelluvia/model/TransferKind.h>
 #include <Pelluvia/values/Dictionary.h>
 #include <Pelluvia/values/Error.h>
 #include <Pelluvia/xml/XMLParser.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -29,14 +31,31 @@ class ElementHandler {
   public:
     explicit ElementHandler(std::shared_ptr<GPSOutputReceiver> receiver);
 
-    void start(XMLParser &parser, const XMLElement &element, const XMLAttributes &attributes);
+    // The events. Elements without numbers of the vocabulary are looked up first.
+    void start(XMLParser &parser, const XMLElement &element, const XMLAttributes &attributes) {
+        if (gpxVocabulary::isNumbered(element)) [[likely]] {
+            return startNumbered(parser, element, attributes);
+        }
+        startUnnumbered(parser, element, attributes);
+    }
     void characters(XMLParser &parser, std::string_view text);
-    void end(XMLParser &parser, const XMLElement &element);
+    void end(XMLParser &parser, const XMLElement &element) {
+        if (gpxVocabulary::isNumbered(element)) [[likely]] {
+            return endNumbered(parser, element);
+        }
+        endUnnumbered(parser, element);
+    }
 
     /// Ends the parse because of the file's structure.
     void abort(XMLParser &parser, std::string_view message);
     /// Whether the host has stopped the import; then the parse ends, too.
-    [[nodiscard]] bool isStopped(XMLParser &parser) const;
+    [[nodiscard]] bool isStopped(XMLParser &parser) const {
+        const bool isRequested = stopToken.stop_requested();
+        if (isRequested) [[unlikely]] {
+            parser.abortParsing();
+        }
+        return isRequested;
+    }
 
     /// The flags that are consulted.
     using Nesting = std::tuple<bool, bool, bool, bool, bool, bool, bool, bool>;
@@ -61,10 +80,25 @@ class ElementHandler {
         return mode == kind && output != nullptr;
     }
 
+    void startNumbered(XMLParser &parser, const XMLElement &element,
+                       const XMLAttributes &attributes);
+    void endNumbered(XMLParser &parser, const XMLElement &element);
+    // Never inlined: the way of almost all elements is short without them.
+    [[gnu::noinline]] void startUnnumbered(XMLParser &parser, const XMLElement &element,
+                                           const XMLAttributes &attributes);
+    [[gnu::noinline]] void endUnnumbered(XMLParser &parser, const XMLElement &element);
+    // What is done for each row of the table, as a function of its own.
+    template <std::size_t position>
+    static void startAs(ElementHandler &self, XMLParser &parser, const XMLAttributes &attributes);
+    template <std::size_t position>
+    static void endAs(ElementHandler &self, XMLParser &parser);
+    template <std::size_t position>
+    void take();
+
     // Starts of the elements with rules of their own. The ones with a result tell whether the
     // element stands where it may.
-    [[nodiscard]] bool obeyAtStart(gpxTable::Rule rule, XMLParser &parser,
-                                   const XMLAttributes &attributes);
+    template <gpxTable::Rule rule>
+    [[nodiscard]] bool obeyAtStart(XMLParser &parser, const XMLAttributes &attributes);
     void startWaypoint(const XMLAttributes &attributes) noexcept;
     [[nodiscard]] bool startRtept(XMLParser &parser, const XMLAttributes &attributes);
     [[nodiscard]] bool startTrkseg(XMLParser &parser);
@@ -75,9 +109,6 @@ class ElementHandler {
     [[nodiscard]] bool isInLogs() const noexcept {
         return flags.inGeocacheLogs || flags.inGeocacheTravelbugs;
     }
-
-    /// The value of the collected text.
-    void take(const gpxTable::Field &field);
 
     /// Forgets the point and what was collected for it, but for what is kept behind it.
     void clearPoint() noexcept;

@@ -82,7 +82,8 @@ template <std::size_t position>
 
 } // namespace
 
-void ElementHandler::clearPoint() noexcept {
+/// Flat: each point begins with it, in every pass.
+[[gnu::flatten]] void ElementHandler::clearPoint() noexcept {
     currentPoint.clear();
     forEachValue([this]<std::size_t position>() {
         if constexpr (gpxTable::values[position].behind == gpxTable::Behind::forgotten) {

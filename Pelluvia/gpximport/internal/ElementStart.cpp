@@ -2,6 +2,10 @@
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>
 
+#include <array>
+#include <cstddef>
+#include <utility>
+
 /// \file
 /// The importer at the start of elements: flags, attributes, and the tests of nesting.
 
@@ -12,32 +16,54 @@ using gpxVocabulary::attribute;
 using gpxVocabulary::Name;
 using gpxVocabulary::Namespace;
 
-void ElementHandler::start(XMLParser &parser, const XMLElement &element,
-                           const XMLAttributes &attributes) {
-    currentStringValue.clear();
-    const Namespace space = gpxVocabulary::namespaceOf(element);
-    if (space == Namespace::GPX11) {
-        gpxVersion = 1.1F;
-    } else if (space == Namespace::GPX10) {
-        gpxVersion = 1.0F;
-    } else if (space == Namespace::Geocache && isInLogs()) {
-        return; // logs and travel bugs have names and types of their own
+/// What is done at the start of the element in a row of the table.
+template <std::size_t position>
+void ElementHandler::startAs(ElementHandler &self, XMLParser &parser,
+                             const XMLAttributes &attributes) {
+    constexpr const gpxTable::Element &meaning = gpxTable::elements[position];
+    if constexpr (meaning.dialect == gpxTable::Dialect::Geocache) {
+        if (self.isInLogs()) {
+            return; // logs and travel bugs have names and types of their own
+        }
     }
-    const gpxTable::Element &meaning = gpxTable::startOf(space, gpxVocabulary::nameOf(element));
-    if (meaning.rule != Rule::none && !obeyAtStart(meaning.rule, parser, attributes)) {
-        return;
+    if constexpr (meaning.rule != Rule::none) {
+        if (!self.obeyAtStart<meaning.rule>(parser, attributes)) {
+            return;
+        }
     }
-    if (meaning.flag.atStart != nullptr) {
-        flags.*meaning.flag.atStart = true;
+    if constexpr (meaning.flag.atStart != nullptr) {
+        self.flags.*meaning.flag.atStart = true;
     }
-    if (meaning.attributeText != nullptr) {
+    if constexpr (meaning.attributeText != nullptr) {
         if (const auto value = attribute(attributes, meaning.attribute)) {
-            (collected.*meaning.attributeText).set(*value);
+            (self.collected.*meaning.attributeText).set(*value);
         }
     }
 }
 
-bool ElementHandler::obeyAtStart(Rule rule, XMLParser &parser, const XMLAttributes &attributes) {
+void ElementHandler::startNumbered(XMLParser &parser, const XMLElement &element,
+                                   const XMLAttributes &attributes) {
+    static constexpr auto functions =
+        []<std::size_t... position>(std::index_sequence<position...>) {
+        return std::array{&ElementHandler::startAs<position>...};
+    }
+    (std::make_index_sequence<gpxTable::elements.size()>());
+    currentStringValue.clear();
+    const auto space = static_cast<Namespace>(element.namespaceNumber);
+    if (space >= Namespace::GPX10) {
+        gpxVersion = space == Namespace::GPX10 ? 1.0F : 1.1F;
+    }
+    functions[gpxTable::positionAtStart(space, static_cast<Name>(element.nameNumber))](
+        *this, parser, attributes);
+}
+
+void ElementHandler::startUnnumbered(XMLParser &parser, const XMLElement &element,
+                                     const XMLAttributes &attributes) {
+    startNumbered(parser, gpxVocabulary::numbered(element), attributes);
+}
+
+template <Rule rule>
+bool ElementHandler::obeyAtStart(XMLParser &parser, const XMLAttributes &attributes) {
     switch (rule) {
     case Rule::waypoint:
         startWaypoint(attributes);
@@ -64,7 +90,6 @@ bool ElementHandler::obeyAtStart(Rule rule, XMLParser &parser, const XMLAttribut
     case Rule::cacheName:
         return true;
     }
-    return true;
 }
 
 void ElementHandler::startWaypoint(const XMLAttributes &attributes) noexcept {

@@ -245,12 +245,20 @@ constexpr void place(Positions &positions, Dialect dialect, Namespace space) {
 inline constexpr Positions atStart = positionsAtStart();
 inline constexpr Positions atEnd = positionsAtEnd();
 
-/// What an element means at its start and at its end; the latter includes all that it means.
+/// Where in `elements` stands what an element means at its start.
+[[nodiscard]] constexpr std::size_t positionAtStart(Namespace space, Name name) noexcept {
+    return atStart[static_cast<std::size_t>(space)][static_cast<std::size_t>(name)];
+}
+/// The same at its end, which includes all that it means.
+[[nodiscard]] constexpr std::size_t positionAtEnd(Namespace space, Name name) noexcept {
+    return atEnd[static_cast<std::size_t>(space)][static_cast<std::size_t>(name)];
+}
+
 [[nodiscard]] constexpr const Element &startOf(Namespace space, Name name) noexcept {
-    return elements[atStart[static_cast<std::size_t>(space)][static_cast<std::size_t>(name)]];
+    return elements[positionAtStart(space, name)];
 }
 [[nodiscard]] constexpr const Element &endOf(Namespace space, Name name) noexcept {
-    return elements[atEnd[static_cast<std::size_t>(space)][static_cast<std::size_t>(name)]];
+    return elements[positionAtEnd(space, name)];
 }
 
 /// The value that a text goes to; null for none, and for altitude and time.

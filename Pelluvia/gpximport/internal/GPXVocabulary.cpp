@@ -32,4 +32,11 @@ Namespace namespaceOf(std::string_view uri) noexcept {
                                      : Namespace::Other;
 }
 
+XMLElement numbered(const XMLElement &element) noexcept {
+    XMLElement result = element;
+    result.nameNumber = static_cast<std::uint16_t>(nameOf(element));
+    result.namespaceNumber = static_cast<std::uint16_t>(namespaceOf(element));
+    return result;
+}
+
 } // namespace pelluvia::gpxVocabulary

@@ -166,16 +166,23 @@ inline constexpr XMLVocabulary vocabulary{names, namespaces};
 [[nodiscard]] Name nameOf(std::string_view localName) noexcept;
 [[nodiscard]] Namespace namespaceOf(std::string_view uri) noexcept;
 
+/// Whether both are known by their numbers, as those of almost all elements are that a parser tells
+/// of to a delegate that asks for nothing else.
+[[nodiscard]] constexpr bool isNumbered(const XMLElement &element) noexcept {
+    return std::size_t{element.nameNumber} - 1 < names.size() &&
+           std::size_t{element.namespaceNumber} - 1 < namespaces.size();
+}
 [[nodiscard]] inline Name nameOf(const XMLElement &element) noexcept {
-    const std::size_t position = std::size_t{element.nameNumber} - 1;
-    return position < names.size() ? static_cast<Name>(element.nameNumber)
-                                   : nameOf(element.localName);
+    const bool isNumbered = std::size_t{element.nameNumber} - 1 < names.size();
+    return isNumbered ? static_cast<Name>(element.nameNumber) : nameOf(element.localName);
 }
 [[nodiscard]] inline Namespace namespaceOf(const XMLElement &element) noexcept {
-    const std::size_t position = std::size_t{element.namespaceNumber} - 1;
-    return position < namespaces.size() ? static_cast<Namespace>(element.namespaceNumber)
-                                        : namespaceOf(element.namespaceURI);
+    const bool isNumbered = std::size_t{element.namespaceNumber} - 1 < namespaces.size();
+    return isNumbered ? static_cast<Namespace>(element.namespaceNumber)
+                      : namespaceOf(element.namespaceURI);
 }
+/// The same element with the numbers of this vocabulary; only those count from then on.
+[[nodiscard]] XMLElement numbered(const XMLElement &element) noexcept;
 /// The value of an attribute, or nothing.
 [[nodiscard]] inline std::optional<std::string_view> attribute(const XMLAttributes &attributes,
                                                                Name name) noexcept {
