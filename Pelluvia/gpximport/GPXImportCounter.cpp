@@ -61,13 +61,30 @@ constexpr auto meaningsByName = [] {
     return byName;
 }();
 
-[[nodiscard]] const Meaning &meaningOf(const XMLElement &element) noexcept {
-    return meaningsByName[static_cast<std::size_t>(gpxVocabulary::nameOf(element))];
+void addOne(std::int32_t &count) noexcept {
+    if (count < std::numeric_limits<std::int32_t>::max()) {
+        ++count;
+    }
 }
 
-[[nodiscard]] bool isForeign(const XMLElement &element) noexcept {
-    const Namespace space = gpxVocabulary::namespaceOf(element);
-    return space != Namespace::GPX10 && space != Namespace::GPX11;
+/// Both numbers must be those of the vocabulary.
+void count(Seen &seen, const XMLElement &element) noexcept {
+    const Meaning &meaning = meaningsByName[element.nameNumber];
+    const auto space = static_cast<Namespace>(element.namespaceNumber);
+    if (meaning.isPoint && space != Namespace::GPX10 && space != Namespace::GPX11) {
+        seen._hasForeignPoints = true;
+    }
+    if (meaning.flag != nullptr) {
+        seen.*meaning.flag = true;
+    }
+    if (meaning.count != nullptr) {
+        addOne(seen.*meaning.count);
+    }
+}
+
+/// Never inlined: the way of almost all elements is short without it.
+[[gnu::noinline]] void countUnnumbered(Seen &seen, const XMLElement &element) noexcept {
+    count(seen, gpxVocabulary::numbered(element));
 }
 
 } // namespace
@@ -186,23 +203,16 @@ XMLVocabulary GPXImportCounter::vocabulary() const {
 
 XMLInterest GPXImportCounter::interestIn(const XMLElement &element,
                                          std::span<const XMLElement> /*around*/) const {
-    return meaningOf(element).name != Name::Other ? XMLInterest::tags : XMLInterest::nothing;
+    const auto name = static_cast<std::size_t>(gpxVocabulary::nameOf(element));
+    return meaningsByName[name].name != Name::Other ? XMLInterest::tags : XMLInterest::nothing;
 }
 
 void GPXImportCounter::didStartElement(XMLParser & /*parser*/, const XMLElement &element,
                                        const XMLAttributes & /*attributes*/) {
-    const Meaning &meaning = meaningOf(element);
-    Seen &seen = *state_;
-    if (meaning.isPoint && isForeign(element)) {
-        seen._hasForeignPoints = true;
+    if (gpxVocabulary::isNumbered(element)) [[likely]] {
+        return count(*state_, element);
     }
-    if (meaning.flag != nullptr) {
-        seen.*meaning.flag = true;
-    }
-    if (meaning.count != nullptr &&
-        seen.*meaning.count < std::numeric_limits<std::int32_t>::max()) {
-        ++(seen.*meaning.count);
-    }
+    countUnnumbered(*state_, element);
 }
 
 } // namespace pelluvia
