@@ -113,8 +113,8 @@ class PELLUVIA_EXPORT NMEADriver {
     /// A path that holds a NUL, a device that is no serial line and a rate that there is none are
     /// errors (`ending` is `NotOpened`).
     ErrorPtr processFile(const std::string &path);
-    /// Reads an open file or pipe, from where it stands to its end. The descriptor is borrowed, and
-    /// used as it is: a serial device must have been set up, and hanging up is its end.
+    /// Reads an open file, pipe or device, from where it stands to its end. The descriptor is
+    /// borrowed and used as it is: a serial device must have been set up.
     ErrorPtr processDescriptor(int descriptor);
     /// Reads a log in memory, borrowed for the call.
     ErrorPtr processText(std::string_view log);
