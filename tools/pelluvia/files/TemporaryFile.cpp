@@ -19,12 +19,6 @@ std::error_code lastError() {
     return {errno, std::generic_category()};
 }
 
-/// What a file is made with.
-mode_t modeFor(const AccessRights *rights) {
-    constexpr mode_t newFile = 0666; // less the umask
-    return rights == nullptr ? newFile : rights->initialMode();
-}
-
 /// A name that nobody else is likely to have, beside the path.
 std::string nameBeside(const std::string &path) {
     constexpr std::string_view characters = "0123456789abcdefghijklmnopqrstuvwxyz";
@@ -53,14 +47,19 @@ bool canBeNamed(int descriptor) {
 }
 
 /// Opens a new file; an interruption is not a failure.
-Descriptor openNew(const std::string &path, int how, const AccessRights *rights) {
+Descriptor openNew(const std::string &path, int how, mode_t mode) {
     int number = -1;
     do {
-        number = ::open(path.c_str(), O_WRONLY | O_CLOEXEC | how, modeFor(rights));
+        number = ::open(path.c_str(), O_WRONLY | O_CLOEXEC | how, mode);
     } while (number < 0 && errno == EINTR);
-    Descriptor file(number);
+    return Descriptor(number);
+}
+
+Descriptor openNew(const std::string &path, int how, const AccessRights *rights) {
+    constexpr mode_t newFile = 0666; // less the umask
+    Descriptor file = openNew(path, how, rights == nullptr ? newFile : rights->initialMode());
     if (file.isOpen() && rights != nullptr) {
-        rights->giveTo(number);
+        rights->giveTo(file.number());
     }
     return file;
 }
@@ -133,8 +132,7 @@ std::error_code TemporaryFile::take(const std::string &name) {
         return linkAs(name);
     }
     // Not every file system can rename without replacing: an empty file keeps the name free for us.
-    const Descriptor placeholder(
-        ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    const Descriptor placeholder = openNew(name, O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
     if (!placeholder.isOpen()) {
         return lastError();
     }
