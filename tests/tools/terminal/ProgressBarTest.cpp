@@ -74,6 +74,26 @@ TEST_F(ProgressBarTest, OfTracksItShowsPointsSinceTheCountIsThatOfSegments) {
     EXPECT_THAT(drawn.back(), HasSubstr("256 points"));
 }
 
+TEST_F(ProgressBarTest, ShowsTheShareOfTheBytesWhereTheSourceTells) {
+    ReadingProgress reading{.position = 250, .size = 1000};
+    bar.setReading([&reading] { return reading; });
+    bar.gpxStartTransfer(1, 3);
+    bar.gpxProgress(1, 256);
+    EXPECT_EQ(drawn.back(), "\rtracks    [#######                       ]  25 %\x1B[K");
+    reading.size = std::nullopt;
+    now += ProgressBar::interval;
+    bar.gpxProgress(1, 512);
+    EXPECT_THAT(drawn.back(), HasSubstr("512 points")) << "a pipe has no size";
+    reading.size = 0;
+    now += ProgressBar::interval;
+    bar.gpxProgress(1, 768);
+    EXPECT_THAT(drawn.back(), HasSubstr("768 points"));
+    bar.setReading(nullptr);
+    now += ProgressBar::interval;
+    bar.gpxProgress(1, 1024);
+    EXPECT_THAT(drawn.back(), HasSubstr("1024 points"));
+}
+
 TEST_F(ProgressBarTest, DrawsAtMostOnceAnInterval) {
     bar.gpxStartTransfer(1, 1);
     progressTo(1, 100 * ProgressBar::stride);

@@ -75,10 +75,13 @@ int Results::keep(const std::string &path, TargetFile &file, int status,
 /// Says what there is nevertheless.
 int Results::notKept(const std::string &path, TargetFile &file, const std::error_code &error,
                      bool isComplete) {
+    const bool isKept = !file.keptName().empty();
     file.giveUp();
     cannotWrite(path, error);
     if (!file.keptName().empty()) {
-        complain(file.keptName() + (isComplete ? " is complete" : " is partial"));
+        complain(file.keptName() + (!isKept      ? " holds what was written"
+                                    : isComplete ? " is complete"
+                                                 : " is partial"));
     }
     return exitStatus::cannotWrite;
 }

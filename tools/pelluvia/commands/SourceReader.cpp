@@ -24,6 +24,27 @@ InputFault faultOf(const RereadableSource::Failure &failure) {
             .status = exitStatus::cannotWrite};
 }
 
+/// Lets a bar, if there is one, ask how far reading is while this object lives.
+class ReadingShown {
+  public:
+    ReadingShown(std::shared_ptr<ProgressBar> bar, ProgressBar::Reading reading)
+        : bar_(std::move(bar)) {
+        if (bar_ != nullptr) {
+            bar_->setReading(std::move(reading));
+        }
+    }
+    ReadingShown(const ReadingShown &) = delete;
+    ReadingShown &operator=(const ReadingShown &) = delete;
+    ~ReadingShown() {
+        if (bar_ != nullptr) {
+            bar_->setReading(nullptr);
+        }
+    }
+
+  private:
+    std::shared_ptr<ProgressBar> bar_;
+};
+
 bool isStop(const Error &error) {
     return error.domain() == NSCocoaErrorDomain && error.code() == NSUserCancelledError;
 }
@@ -51,6 +72,8 @@ std::optional<InputFault> SourceReader::importGPX(const std::string &path) {
     importer->setDoTracks(options_.only.tracks);
     importer->setDoRoutes(options_.only.routes);
     importer->setDoWaypoints(options_.only.waypoints);
+    importer->setStopToken(with_.stop);
+    const ReadingShown shown(with_.bar, [&importer] { return importer->readingProgress(); });
     const ErrorPtr error = importer->processFile(source.path());
     const auto reports = with_.collector->collected();
     if (error == nullptr) {
@@ -85,15 +108,15 @@ std::optional<InputFault> SourceReader::readCallLog(const std::string &path) {
 
 std::optional<InputFault> SourceReader::readNMEA(const std::string &path) {
     const auto &bar = with_.bar;
-    nmea::LiveView view([&bar](std::string_view bytes) {
-        bar->setMuted(true);
-        show(bytes);
-    });
-    const nmea::Outcome outcome = nmea::readNMEA(path, options_.nmea, *filtered(),
-                                                 {.wakeUp = with_.interrupts,
-                                                  .stop = with_.hasFailed,
-                                                  .view = bar != nullptr ? &view : nullptr});
-    view.clear();
+    if (bar != nullptr) {
+        driver.setStatusLine([&bar](std::string_view bytes) {
+            bar->setMuted(true);
+            show(bytes);
+        });
+    }
+    const ReadingShown shown(bar, [&driver] { return driver.readingProgress(); });
+    const ErrorPtr error =
+        path == "-" ? driver.processDescriptor(STDIN_FILENO) : driver.processFile(path);
     if (bar != nullptr) {
         bar->setMuted(false);
     }

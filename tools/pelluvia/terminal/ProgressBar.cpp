@@ -2,13 +2,14 @@
 
 #include <Pelluvia/model/TransferKind.h>
 
-#include <cstdint>
+#include <cstddef>
+#include <optional>
 
 namespace pelluvia::host {
 
 namespace {
 
-constexpr int barWidth = 30;
+constexpr std::size_t barWidth = 30;
 
 std::string_view titleOf(int kind) {
     switch (kind) {
@@ -23,16 +24,22 @@ std::string_view titleOf(int kind) {
     }
 }
 
-std::string barText(int index, int count) {
-    const auto share = [index, count](std::int64_t whole) {
-        return static_cast<std::size_t>(index * whole / count);
-    };
+/// `share` is from 0 to 1.
+std::string barText(double share) {
     constexpr std::size_t percentWidth = 3;
-    const std::size_t filled = share(barWidth);
-    const std::string percent = std::to_string(share(100));
+    const auto filled = static_cast<std::size_t>(share * static_cast<double>(barWidth));
+    const std::string percent = std::to_string(static_cast<int>(share * 100.0));
     std::string text = "[";
     text.append(filled, '#').append(barWidth - filled, ' ').append("] ");
     return text.append(percentWidth - percent.size(), ' ').append(percent).append(" %");
+}
+
+/// Nothing where the whole is not known.
+template <class Number>
+std::optional<double> shareOf(Number part, Number whole) {
+    const bool isKnown = whole > 0 && part <= whole;
+    return isKnown ? std::optional(static_cast<double>(part) / static_cast<double>(whole))
+                   : std::nullopt;
 }
 
 } // namespace
@@ -59,14 +66,22 @@ void ProgressBar::gpxEndTransfer(int /*kind*/) {
 void ProgressBar::draw(int kind, int index) {
     constexpr std::string_view toLineStart = "\r";
     constexpr std::string_view eraseRest = "\x1B[K";
-    // The count of tracks is that of their segments.
-    const bool isKnown = kind != transferKind::tracks && count_ >= index;
     write_(std::string(toLineStart)
                .append(titleOf(kind))
                .append(" ")
-               .append(isKnown ? barText(index, count_) : std::to_string(index) + " points")
+               .append(extent(kind, index))
                .append(eraseRest));
     isShown_ = true;
+}
+
+std::string ProgressBar::extent(int kind, int index) const {
+    const ReadingProgress reading = reading_ ? reading_() : ReadingProgress();
+    auto share = shareOf(reading.position, reading.size.value_or(0));
+    // The count of tracks is that of their segments.
+    if (!share && kind != transferKind::tracks) {
+        share = shareOf(index, count_);
+    }
+    return share ? barText(*share) : std::to_string(index) + " points";
 }
 
 void ProgressBar::setMuted(bool isMuted) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Pelluvia/model/GPXExporterProgress.h>
+#include <Pelluvia/model/ReadingProgress.h>
 
 #include <chrono>
 #include <functional>
@@ -12,8 +13,9 @@ namespace pelluvia::host {
 /// Shows the progress of a receiver in one line of a terminal, redrawn a few times a second and
 /// gone at the end.
 ///
-/// A bar where the number of items is known; a plain number where it is not, or turns out wrong: of
-/// a file's tracks the number of segments is announced while points are counted.
+/// A bar where the source tells how far it is read, or the number of items is known; a plain number
+/// where neither is, or the number turns out wrong: of a file's tracks the number of segments is
+/// announced while points are counted.
 ///
 /// Threads: as for any progress object.
 class ProgressBar : public GPXExporterProgress {
@@ -23,6 +25,10 @@ class ProgressBar : public GPXExporterProgress {
 
     /// `write` puts text on the terminal.
     ProgressBar(Write write, Clock clock) : write_(std::move(write)), clock_(std::move(clock)) {}
+
+    /// Asked, while a source is read, how far that is; null when no source is, or it cannot tell.
+    using Reading = std::function<ReadingProgress()>;
+    void setReading(Reading reading) { reading_ = std::move(reading); }
 
     void gpxStartTransfer(int kind, int count) override;
     void gpxProgress(int kind, int index) override;
@@ -40,9 +46,11 @@ class ProgressBar : public GPXExporterProgress {
 
   private:
     void draw(int kind, int index);
+    [[nodiscard]] std::string extent(int kind, int index) const;
 
     Write write_;
     Clock clock_;
+    Reading reading_;
     int count_ = 0;
     bool isShown_ = false;
     bool isMuted_ = false;
