@@ -30,9 +30,10 @@ class ConversionProgress : public GPXExporterProgress {
     /// Only every so many items the question is asked.
     static constexpr int stride = 256;
 
-  private:
+    /// Asks the question now.
     void stopIfDue();
 
+  private:
     std::shared_ptr<GPXExporterProgress> bar_;
     std::function<bool()> mustStop_;
     std::stop_source stop_;

@@ -125,7 +125,7 @@ class Conversion {
         return source.format != Format::NMEA && !isRegularFile(source.path);
     }
 
-    /// For who reads along, and against power cuts.
+    /// While a live source pauses: for who reads along, and against power cuts.
     void writeWhatIsKnown() {
         output_.flush();
         const auto now = std::chrono::steady_clock::now();
@@ -133,6 +133,7 @@ class Conversion {
             syncFailure_ = results_.syncTarget();
             lastSync_ = now;
         }
+        progress_->stopIfDue(); // the next points may be far
     }
 
     /// `status` is how reading ended.

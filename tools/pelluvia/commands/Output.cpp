@@ -49,7 +49,7 @@ Output openCallLog(const std::string &path, const std::shared_ptr<ReportCollecto
     // A log holds what the producers sent and nothing of the host's own.
     return {.receiver = writer,
             .finish = [writer] { return writer->close(); },
-            .flush = [] {}, // TODO
+            .flush = [writer] { writer->flush(); },
             .hasFailed = [writer] { return bool(writer->failure()); },
             .openFailure = {}};
 }
@@ -66,7 +66,7 @@ Output openNMEA(const std::string &path, const std::shared_ptr<ReportCollector> 
     writer->setProgress(progress);
     return {.receiver = writer,
             .finish = [writer] { return writer->close(); },
-            .flush = [] {}, // TODO
+            .flush = [writer] { writer->flush(); },
             .hasFailed = [writer] { return bool(writer->failure()); },
             .openFailure = {},
             .remark = [writer] { return textOf(writer->omissions()); }};

@@ -96,8 +96,10 @@ std::optional<InputFault> SourceReader::readCallLog(const std::string &path) {
     }
     const auto receiver = filtered();
     CallLogReader reader(*receiver);
-    reader.setStop(with_.hasFailed);
-    const auto fault = reader.read(source.number());
+    reader.setStopToken(with_.stop);
+    reader.setSourcePaused(with_.sourcePaused);
+    const ReadingShown shown(with_.bar, [&reader] { return reader.readingProgress(); });
+    const ErrorPtr fault = reader.processDescriptor(source.number());
     sayWhatWasReported(path);
     if (!fault) {
         return std::nullopt;
