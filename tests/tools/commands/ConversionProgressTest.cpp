@@ -27,6 +27,7 @@ TEST(ConversionProgress, TellsTheBar) {
     progress.gpxStartTransfer(transferKind::tracks, 7);
     progress.gpxProgress(transferKind::tracks, 3);
     progress.gpxEndTransfer(transferKind::tracks);
+    EXPECT_EQ(progress.points(), 1);
     EXPECT_EQ(bar->started, 7);
     EXPECT_EQ(bar->reached, 3);
     EXPECT_EQ(bar->ended, transferKind::tracks);

@@ -157,6 +157,25 @@ TEST(Convert, WorksInTheWorkingFolder) {
     EXPECT_TRUE(fs::exists(folder.file("b.gpx")));
 }
 
+TEST(Convert, SaysThatADocumentHoldsNoPoints) {
+    const TemporaryFolder folder;
+    folder.write("other.gpx", "<TrainingCenterDatabase><Courses/></TrainingCenterDatabase>");
+    const Outcome outcome = testing::pelluvia(
+        {.arguments = {"convert", "other.gpx", ride(), "-"}, .folder = folder.path()});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors, "other.gpx: no points were found in it\n");
+}
+
+TEST(Convert, SaysOfAPackedFileHowToReadIt) {
+    const TemporaryFolder folder;
+    folder.write("ride.GPX.gz", "\x1F\x8B");
+    const Outcome outcome = testing::pelluvia(
+        {.arguments = {"convert", "ride.GPX.gz", "out.gpx"}, .folder = folder.path()});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errors, HasSubstr("ride.GPX.gz: packed files are not read; unpack it on "
+                                          "the way: zcat FILE | pelluvia convert "));
+}
+
 TEST(Convert, ShowsProgressOnATerminalAndTakesItAway) {
     const TemporaryFolder folder;
     std::string points = "<gpx><trk><trkseg>";

@@ -48,7 +48,8 @@ they do.
 
 An NMEA source may be a serial device. It is read until Ctrl-C, SIGTERM or the
 end of the terminal, which bring the target to a proper end. What was not used
-of a source is said in one line.
+of a source is said in one line. What is known is written whenever the receiver
+pauses, so another program can read along.
 
 With --record, --minimize, a slop or --telemetry all sources are recorded in
 memory and then replayed: waypoints, routes, tracks, each track in one segment.
@@ -59,10 +60,10 @@ Of a route, a GPX target holds the name and the comment but not the points; a
 call log holds all that was read.
 
 The target gets its name when it is complete. A file that is already there is
-replaced only with --force. When a source turns out bad, what was read before
-the fault is kept and said to be partial: under the target's name if that is
-free, or else as TARGET.partial (TARGET.partial.2 and so on). That is also where
-what comes from a receiver lies until it is complete.
+replaced only with --force. When a source turns out bad, the others are read all
+the same. What was read is kept and said to be partial: under the target's name
+if that is free, or else as TARGET.partial (TARGET.partial.2 and so on). That is
+also where what comes from a receiver lies until it is complete.
 
 Exit status:
   0  done

@@ -13,6 +13,7 @@ void ConversionProgress::gpxStartTransfer(int kind, int count) {
 
 void ConversionProgress::gpxProgress(int kind, int index) {
     InterruptWatch::noteHeadway();
+    ++points_;
     if (index % stride == 0) {
         stopIfDue();
     }

@@ -2,6 +2,7 @@
 
 #include <Pelluvia/model/GPXExporterProgress.h>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <stop_token>
@@ -30,6 +31,9 @@ class ConversionProgress : public GPXExporterProgress {
     /// Only every so many items the question is asked.
     static constexpr int stride = 256;
 
+    /// The number of points so far, of all sources.
+    [[nodiscard]] std::int64_t points() const noexcept { return points_; }
+
     /// Asks the question now.
     void stopIfDue();
 
@@ -37,6 +41,7 @@ class ConversionProgress : public GPXExporterProgress {
     std::shared_ptr<GPXExporterProgress> bar_;
     std::function<bool()> mustStop_;
     std::stop_source stop_;
+    std::int64_t points_ = 0;
 };
 
 } // namespace pelluvia::host

@@ -92,6 +92,7 @@ class Conversion {
                 break;
             }
             InterruptWatch::setMayGiveUp(mayWaitFor(source) || results_.mayWaitForReader());
+            const auto pointsBefore = progress_->points();
             const auto fault = reader.read(source);
             if (bar_ != nullptr) {
                 bar_->clear();
@@ -100,6 +101,9 @@ class Conversion {
                 say(fault->text(sourceName(source.path)));
                 status = std::max(status, fault->status);
                 ++badSources_;
+            } else if (source.format == Format::GPX && progress_->points() == pointsBefore &&
+                       !mustStop()) { // as of a file of another kind of XML
+                say(sourceName(source.path) + ": no points were found in it");
             }
         }
         InterruptWatch::setMayGiveUp(results_.mayWaitForReader());

@@ -69,6 +69,11 @@ Format sourceFormat(const std::string &path, const std::string &chosen) {
     if (whyUnreadable(path)) {
         return Format::GPX;
     }
+    if (lowered(path).ends_with(".gz")) {
+        throw CLI::ValidationError(
+            path, "packed files are not read; unpack it on the way: zcat FILE | pelluvia convert "
+                  "[--from FORMAT] - TARGET");
+    }
     throw unknownEnding(path, "--from");
 }
 
