@@ -1,5 +1,5 @@
-// Downloads a track from a device, thins it on the way, and writes it as GPX: the road of a program
-// that talks to receivers, with a driver for a device that is made up.
+// Downloads a track from a device, thins it on the way, and writes it as GPX, with a driver for a
+// device that is made up. Without thinning and summary, the driver is given the exporter itself.
 //
 //     device-download TARGET.gpx
 //
