@@ -137,7 +137,11 @@ TEST_F(StorageCommand, AGrantThatWasDamagedIsMissingAndTheDamageIsTold) {
 TEST_F(StorageCommand, WithoutItsHelperTheProgramSaysSo) {
     std::filesystem::create_directory(folder.file("bin"));
     const std::string copy = folder.file("bin/pelluvia");
-    std::filesystem::copy_file(PELLUVIA_PROGRAM, copy);
+    const std::filesystem::path program = PELLUVIA_PROGRAM;
+    std::filesystem::copy_file(program, copy);
+    // Its libraries are found from where it lies.
+    std::filesystem::create_directory_symlink(program.parent_path().parent_path() / "lib",
+                                              folder.file("lib"));
     for (const char *command : {"authorize", "authorized"}) {
         const testing::Outcome outcome = pelluvia({command, "/GPS"}, copy);
         EXPECT_EQ(outcome.status, 1);
