@@ -80,7 +80,7 @@ class Pipe {
 /// More than any buffer.
 std::string large() {
     std::string text = "<gpx>\n";
-    while (text.size() < 500'000) {
+    while (text.size() < 330'000) {
         text.append("  <trk a=\"").append(std::to_string(text.size())).append("\">text</trk>\n");
     }
     return text + "</gpx>\n";
