@@ -1,6 +1,7 @@
 // What a recording costs: memory and processor time a point, bare and with three extras, replay,
 // thinning and release. Prints one line a measurement; exit status 1 when a bar is missed.
 
+#include <Pelluvia/model/NullReceiver.h>
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
 #include <cstdio>
@@ -16,26 +17,10 @@ namespace {
 
 constexpr std::size_t pointCount = 5'000'000;
 
-/// A receiver that does nothing, so that a replay costs only itself.
-class Nothing : public GPSOutputReceiver {
+/// Counts the points of a replay, so that the replay costs only itself.
+class Nothing : public NullReceiver {
   public:
-    void newTrackSegment() override {}
-    void newTrack(const Dictionary * /*extra*/) override {}
-    void newRoute(const Dictionary * /*extra*/) override {}
     void trackPoint(GPSPoint /*point*/, const Dictionary * /*extra*/) override { ++points; }
-    void wayPoint(GPSPoint /*point*/, const Dictionary * /*extra*/) override {}
-    void routePoint(GPSPoint /*point*/, const Dictionary * /*extra*/) override {}
-    void poiPoint(GPSPoint /*point*/, const Dictionary * /*extra*/) override {}
-    void lapInfoStart(GPSPoint /*s*/, GPSPoint /*e*/, const Dictionary * /*extras*/) override {}
-    void startTransfer(const void * /*sender*/, int /*kind*/, const Dictionary * /*e*/) override {}
-    void endTransfer(int /*kind*/) override {}
-    void currentPosition(GPSPoint /*point*/, int /*accuracy*/) override {}
-    void warning(const Report & /*object*/) override {}
-    void error(const Report & /*error*/) override {}
-    void gpsStateChange(int /*state*/) override {}
-    void startSending(const void * /*sender*/, int /*kind*/, const Dictionary * /*e*/) override {}
-    void sendProgress(int /*count*/) override {}
-    void endSending(int /*kind*/) override {}
 
     std::size_t points = 0;
 };
