@@ -12,7 +12,9 @@
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace pelluvia {
@@ -249,6 +251,42 @@ TEST(CallLogWriter, WritesOutWhatItHoldsBackWhenAsked) {
     writer.newTrackSegment();
     EXPECT_FALSE(writer.flush());
     EXPECT_EQ(log, "{\"call\":\"newTrackSegment\"}\n");
+}
+
+/// Lets go of the writer when it is told of a transfer.
+class LettingGo : public GPXExporterProgress {
+  public:
+    std::shared_ptr<CallLogWriter> writer;
+    bool wasAlive = true; ///< while the writer was still at it
+
+    void gpxStartTransfer(int /*kind*/, int /*count*/) override { letGo(); }
+    void gpxProgress(int /*kind*/, int /*index*/) override {}
+    void gpxEndTransfer(int /*kind*/) override { letGo(); }
+
+  private:
+    void letGo() {
+        const std::weak_ptr watched = writer;
+        writer.reset();
+        wasAlive = wasAlive && !watched.expired();
+    }
+};
+
+TEST(CallLogWriter, AnObserverMayLetGoOfTheLastOwner) {
+    for (const bool atStart : {true, false}) {
+        std::string log;
+        const auto observer = std::make_shared<LettingGo>();
+        auto writer = std::make_shared<CallLogWriter>(OutputFile::inMemory(log));
+        CallLogWriter &last = *writer;
+        writer->setProgress(observer);
+        observer->writer = std::move(writer);
+        if (atStart) {
+            last.startTransfer(nullptr, transferKind::routes, nullptr);
+        } else {
+            last.endTransfer(transferKind::routes);
+        }
+        EXPECT_TRUE(observer->wasAlive);
+        EXPECT_EQ(observer->writer, nullptr);
+    }
 }
 
 } // namespace

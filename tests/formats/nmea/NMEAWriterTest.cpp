@@ -11,6 +11,8 @@
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -274,6 +276,42 @@ TEST(NMEAWriter, RemembersAFailedWrite) {
     ASSERT_NE(writer, nullptr);
     writer->trackPoint({.latitude = 48.0}, nullptr);
     EXPECT_EQ(writer->close(), std::errc::no_space_on_device);
+}
+
+/// Lets go of the writer when it is told of a transfer.
+class LettingGo : public GPXExporterProgress {
+  public:
+    std::shared_ptr<NMEAWriter> writer;
+    bool wasAlive = true; ///< while the writer was still at it
+
+    void gpxStartTransfer(int /*kind*/, int /*count*/) override { letGo(); }
+    void gpxProgress(int /*kind*/, int /*index*/) override {}
+    void gpxEndTransfer(int /*kind*/) override { letGo(); }
+
+  private:
+    void letGo() {
+        const std::weak_ptr watched = writer;
+        writer.reset();
+        wasAlive = wasAlive && !watched.expired();
+    }
+};
+
+TEST(NMEAWriter, AnObserverMayLetGoOfTheLastOwner) {
+    for (const bool atStart : {true, false}) {
+        std::string log;
+        const auto observer = std::make_shared<LettingGo>();
+        auto writer = std::make_shared<NMEAWriter>(OutputFile::inMemory(log));
+        NMEAWriter &last = *writer;
+        writer->setProgress(observer);
+        observer->writer = std::move(writer);
+        if (atStart) {
+            last.startTransfer(nullptr, transferKind::routes, nullptr);
+        } else {
+            last.endTransfer(transferKind::routes);
+        }
+        EXPECT_TRUE(observer->wasAlive);
+        EXPECT_EQ(observer->writer, nullptr);
+    }
 }
 
 } // namespace
