@@ -65,7 +65,19 @@ std::string sentences() {
     return text;
 }
 
-/// A command, run in a folder with the files source.gpx, old.gpx and old.json.
+std::string calls() {
+    std::string text = R"({"call":"startTransfer:kind:extra:","kind":3,"extra":null})"
+                       "\n";
+    for (int i = 0; i < 1000; ++i) {
+        text += R"({"call":"wayPoint:extra:","point":{"latitude":1,"longitude":2,"altitude":3,)"
+                R"("time":4,"test":5},"extra":null})"
+                "\n";
+    }
+    return text + R"({"call":"endTransfer:","kind":3})"
+                  "\n";
+}
+
+/// A command, run in a folder with source.gpx, source.jsonl, old.gpx and old.json.
 struct Scenario {
     const char *name;
     std::vector<std::string> arguments;
@@ -105,6 +117,7 @@ class Faults : public testing::FaultTest<::testing::TestWithParam<std::tuple<Sce
     static void fill(const TemporaryFolder &folder) {
         static const std::string source = document();
         folder.write("source.gpx", source);
+        folder.write("source.jsonl", calls());
         folder.write("old.gpx", "old");
         folder.write("old.json", "old");
         if (scenario().isOfStorage) {
@@ -213,6 +226,7 @@ const std::vector<Scenario> scenarios = {
     {.name = "ReplacedFile", .arguments = {"convert", "--force", "source.gpx", "old.gpx"}},
     // Recorded, since an import that cannot count goes on without counts, and a log shows that.
     {.name = "Calls", .arguments = {"convert", "--sync", "--record", "source.gpx", "new.jsonl"}},
+    {.name = "Log", .arguments = {"convert", "source.jsonl", "new.gpx"}},
     {.name = "StandardStreams", .arguments = {"convert", "-", "-"}, .input = document()},
     {.name = "Summary",
      .arguments = {"convert", "--force", "--telemetry", "old.json", "source.gpx", "old.gpx"}},

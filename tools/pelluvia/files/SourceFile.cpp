@@ -64,10 +64,13 @@ std::error_code whyUnreadable(const std::string &path) {
 }
 
 Descriptor openSource(const std::string &path, std::error_code &error) {
-    Descriptor source(path == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
-                                  : ::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    error = source.isOpen() ? std::error_code() : lastError();
-    return source;
+    int number = -1;
+    do {
+        number = path == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
+                             : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    } while (number < 0 && errno == EINTR);
+    error = number >= 0 ? std::error_code() : lastError();
+    return Descriptor(number);
 }
 
 RereadableSource::Failure RereadableSource::prepare() {
