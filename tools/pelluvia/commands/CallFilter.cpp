@@ -23,49 +23,49 @@ void CallFilter::endOpenTransfer() {
 
 void CallFilter::newTrackSegment() {
     if (!dropsTransfer_) {
-        next_->newTrackSegment();
+        ForwardingReceiver::newTrackSegment();
     }
 }
 
 void CallFilter::newTrack(const Dictionary *extra) {
     if (!dropsTransfer_) {
-        next_->newTrack(extra);
+        ForwardingReceiver::newTrack(extra);
     }
 }
 
 void CallFilter::newRoute(const Dictionary *extra) {
     if (!dropsTransfer_) {
-        next_->newRoute(extra);
+        ForwardingReceiver::newRoute(extra);
     }
 }
 
 void CallFilter::trackPoint(GPSPoint point, const Dictionary *extra) {
     if (!dropsTransfer_) {
-        next_->trackPoint(point, extra);
+        ForwardingReceiver::trackPoint(point, extra);
     }
 }
 
 void CallFilter::wayPoint(GPSPoint point, const Dictionary *extra) {
     if (!dropsTransfer_) {
-        next_->wayPoint(point, extra);
+        ForwardingReceiver::wayPoint(point, extra);
     }
 }
 
 void CallFilter::routePoint(GPSPoint point, const Dictionary *extra) {
     if (!dropsTransfer_) {
-        next_->routePoint(point, extra);
+        ForwardingReceiver::routePoint(point, extra);
     }
 }
 
 void CallFilter::poiPoint(GPSPoint point, const Dictionary *extra) {
     if (!dropsTransfer_) {
-        next_->poiPoint(point, extra);
+        ForwardingReceiver::poiPoint(point, extra);
     }
 }
 
 void CallFilter::lapInfoStart(GPSPoint start, GPSPoint end, const Dictionary *extras) {
     if (!dropsTransfer_) {
-        next_->lapInfoStart(start, end, extras);
+        ForwardingReceiver::lapInfoStart(start, end, extras);
     }
 }
 
@@ -73,52 +73,40 @@ void CallFilter::startTransfer(const void *sender, int kind, const Dictionary *e
     dropsTransfer_ = !isChosen(kind);
     openTransfer_ = kind;
     if (!dropsTransfer_) {
-        next_->startTransfer(sender, kind, extra);
+        ForwardingReceiver::startTransfer(sender, kind, extra);
     }
 }
 
 void CallFilter::endTransfer(int kind) {
     if (!dropsTransfer_) {
-        next_->endTransfer(kind);
+        ForwardingReceiver::endTransfer(kind);
     }
     dropsTransfer_ = false;
     openTransfer_.reset();
 }
 
-void CallFilter::currentPosition(GPSPoint point, int accuracy) {
-    next_->currentPosition(point, accuracy);
-}
-
-void CallFilter::warning(const Report &object) {
-    next_->warning(object);
-}
-
-void CallFilter::error(const Report &error) {
-    next_->error(error);
-}
-
 void CallFilter::gpsStateChange(int state) {
     if (!holdsFinish_ || state != gpsState::finished) {
-        next_->gpsStateChange(state);
+        ForwardingReceiver::gpsStateChange(state);
     }
 }
 
 void CallFilter::startSending(const void *sender, int kind, const Dictionary *extra) {
     dropsSending_ = !isChosen(kind);
     if (!dropsSending_) {
-        next_->startSending(sender, kind, extra);
+        ForwardingReceiver::startSending(sender, kind, extra);
     }
 }
 
 void CallFilter::sendProgress(int count) {
     if (!dropsSending_) {
-        next_->sendProgress(count);
+        ForwardingReceiver::sendProgress(count);
     }
 }
 
 void CallFilter::endSending(int kind) {
     if (!dropsSending_) {
-        next_->endSending(kind);
+        ForwardingReceiver::endSending(kind);
     }
     dropsSending_ = false;
 }

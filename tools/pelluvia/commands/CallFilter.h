@@ -2,7 +2,7 @@
 
 #include <tools/pelluvia/commandline/Options.h>
 
-#include <Pelluvia/model/GPSOutputReceiver.h>
+#include <Pelluvia/model/ForwardingReceiver.h>
 
 #include <memory>
 #include <optional>
@@ -17,12 +17,12 @@ namespace pelluvia::host {
 /// Calls outside of any transfer are passed on as well.
 ///
 /// Threads: as for any receiver.
-class CallFilter : public GPSOutputReceiver {
+class CallFilter : public ForwardingReceiver {
   public:
     /// `holdsFinish`: the state change that ends the exchange is held back, for a receiver that is
     /// to get more from other sources and is told by the host.
     CallFilter(std::shared_ptr<GPSOutputReceiver> next, Selection only, bool holdsFinish)
-        : next_(std::move(next)), only_(only), holdsFinish_(holdsFinish) {}
+        : ForwardingReceiver(std::move(next)), only_(only), holdsFinish_(holdsFinish) {}
 
     /// Ends the transfer that is open, if one is: of a log that broke off, so that what follows
     /// from elsewhere does not become a part of it.
@@ -38,9 +38,6 @@ class CallFilter : public GPSOutputReceiver {
     void lapInfoStart(GPSPoint start, GPSPoint end, const Dictionary *extras) override;
     void startTransfer(const void *sender, int kind, const Dictionary *extra) override;
     void endTransfer(int kind) override;
-    void currentPosition(GPSPoint point, int accuracy) override;
-    void warning(const Report &object) override;
-    void error(const Report &error) override;
     void gpsStateChange(int state) override;
     void startSending(const void *sender, int kind, const Dictionary *extra) override;
     void sendProgress(int count) override;
@@ -49,7 +46,6 @@ class CallFilter : public GPSOutputReceiver {
   private:
     [[nodiscard]] bool isChosen(int kind) const noexcept;
 
-    std::shared_ptr<GPSOutputReceiver> next_;
     Selection only_;
     bool holdsFinish_;
     bool dropsTransfer_ = false;
