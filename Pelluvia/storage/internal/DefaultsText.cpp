@@ -166,12 +166,14 @@ DefaultsText DefaultsText::parsed(std::string_view text) {
 void DefaultsText::add(std::string_view text, bool &isInOurGroup) {
     ++lineCount_;
     const std::string_view line = withoutBlanks(text);
+    const bool isComment = line.empty() || line.front() == '#' || line.front() == ';';
+    const bool isGroup = line.starts_with('[');
     if (text.find('\0') != std::string_view::npos) {
         // After a loss of power a file may be all NULs.
         addBadLine();
-    } else if (line.empty() || line.front() == '#' || line.front() == ';') {
+    } else if (isComment || (!isInOurGroup && !isGroup)) {
         keep(Kind::AsItStands, text);
-    } else if (line.front() == '[') {
+    } else if (isGroup) {
         const bool isWhole = line.find_first_of("[]", 1) == line.size() - 1 && line.back() == ']';
         isInOurGroup = !isWhole || line == group;
         if (isWhole) {
@@ -179,8 +181,6 @@ void DefaultsText::add(std::string_view text, bool &isInOurGroup) {
         } else {
             addBadLine();
         }
-    } else if (!isInOurGroup) {
-        keep(Kind::AsItStands, text);
     } else {
         const std::size_t equals = line.find('=');
         auto key = keyOf(withoutBlanks(line.substr(0, equals)));
