@@ -92,9 +92,9 @@ ErrorPtr findWithoutStore(const BookmarkRecord &record, Place &place) {
         place = {record.path, !(identity == record.identity)};
         return nullptr;
     }
-    const ErrorPtr reason = hasArrived ? errorOf(NSFileReadNoSuchFileError,
-                                                 "Another folder is in its place", record.path)
-                                       : errorOf(result, record.path);
+    ErrorPtr reason = hasArrived ? errorOf(NSFileReadNoSuchFileError,
+                                           "Another folder is in its place", record.path)
+                                 : errorOf(result, record.path);
     // A link in the way is refused, and what must not be read is not looked around for.
     if (hasArrived || result == WalkResult::Gone || result == WalkResult::NotAFolder) {
         if (auto found = storage::findRenamed(record.path, record.identity)) {
