@@ -74,8 +74,25 @@ function(pelluvia_runpath target path)
     endif()
 endfunction()
 
-# pelluvia_no_unique_symbols(target): the objects' inline variables and those of templates are not made
-# unique in the whole process, which would keep the library that holds them from being unloaded.
-function(pelluvia_no_unique_symbols target)
-    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+# pelluvia_library(target name OBJECTS target [USES library ...]): the library of the objects that is
+# installed, shared unless BUILD_SHARED_LIBS says otherwise. The libraries that it uses are its own
+# affair: a shared one brings them, and only who links a static one has to have them. The exported
+# symbols are named in exports.map beside.
+function(pelluvia_library target name)
+    cmake_parse_arguments(this "" "OBJECTS" "USES" ${ARGN})
+    add_library(${target} $<TARGET_OBJECTS:${this_OBJECTS}>)
+    set_target_properties(${target} PROPERTIES
+        OUTPUT_NAME ${name} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    if(NOT BUILD_SHARED_LIBS)
+        target_link_libraries(${target} PRIVATE ${this_USES})
+        return()
+    endif()
+    list(TRANSFORM this_USES REPLACE "(.+)" "$<BUILD_INTERFACE:\\1>")
+    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:pelluvia_options> ${this_USES})
+    # Calls inside the library go straight to their function, not through the loader's table; and of the
+    # standard library's templates that we instantiate nothing shows.
+    set(exports ${CMAKE_CURRENT_SOURCE_DIR}/exports.map)
+    target_link_options(${target} PRIVATE
+        LINKER:-Bsymbolic-functions LINKER:--version-script=${exports} LINKER:--as-needed)
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${exports})
 endfunction()
