@@ -268,22 +268,30 @@ TEST_F(XMLEngines, LeaveTheSameOverWhenTheReceiverEndsTheImportEarly) {
     }
 }
 
-/// The receiver changes the file at a call; the import must end there, in order.
-void expectEndAt(const std::string &call, const std::string &document,
-                 const std::function<void(const std::string &path)> &change) {
+/// An import of a file that is an hour old, to which the receiver does something at a call.
+Imported importDisturbedAt(const std::string &call, const std::string &document,
+                           const std::function<void(const std::string &path)> &disturb) {
     const testing::TemporaryFolder folder;
     const std::string path = folder.write("a.gpx", document);
     std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now() -
                                                std::chrono::hours(1));
     Importing importing;
-    bool hasChanged = false;
+    bool isDone = false;
     importing.spy->onCall = [&](const std::string &line) {
-        if (!hasChanged && line.starts_with(call)) {
-            hasChanged = true;
-            change(path);
+        if (!isDone && line.starts_with(call)) {
+            isDone = true;
+            disturb(path);
         }
     };
     const Imported imported = importing.file(path);
+    EXPECT_TRUE(isDone) << call;
+    return imported;
+}
+
+/// The receiver changes the file at a call; the import must end there, in order.
+void expectEndAt(const std::string &call, const std::string &document,
+                 const std::function<void(const std::string &path)> &change) {
+    const Imported imported = importDisturbedAt(call, document, change);
     ASSERT_NE(imported.result, nullptr) << call;
     EXPECT_EQ(resultOf(imported), "NSXMLParserErrorDomain 1549 at 0:0 The file has changed since "
                                   "it was first read");
@@ -291,6 +299,36 @@ void expectEndAt(const std::string &call, const std::string &document,
     EXPECT_EQ(imported.calls[imported.calls.size() - 2],
               "error: NSXMLParserErrorDomain 1549 at 0:0");
     EXPECT_TRUE(imported.calls.back().starts_with("endTransfer: "));
+}
+
+TEST_F(XMLEngines, AFileThatIsOnlyTouchedIsImported) {
+    const std::string good =
+        testing::gpx("<rte><rtept lat='1' lon='2'/></rte><wpt lat='1' lon='2'/>"
+                     "<trk><trkseg><trkpt lat='1' lon='2'/></trkseg></trk>");
+    for (const std::string &document : {good, "<!DOCTYPE gpx>" + good}) {
+        const std::function<void(const std::string &path)> touches[] = {
+            [](const std::string &path) {
+                std::filesystem::last_write_time(path,
+                                                 std::filesystem::file_time_type::clock::now());
+            },
+            [&](const std::string &path) { testing::writeFile(path, document); },
+            [&](const std::string &path) {
+                testing::writeFile(path + ".new", document);
+                std::filesystem::rename(path + ".new", path);
+            },
+        };
+        const Imported expected =
+            importDisturbedAt("startTransfer", document, [](const std::string &) {});
+        EXPECT_EQ(expected.result, nullptr);
+        for (const auto &touch : touches) {
+            for (const char *call :
+                 {"startTransfer: nil kind: 2", "routePoint", "endTransfer: 2", "trackPoint"}) {
+                const Imported imported = importDisturbedAt(call, document, touch);
+                EXPECT_EQ(imported.result, nullptr) << call;
+                EXPECT_EQ(imported.calls, expected.calls) << call;
+            }
+        }
+    }
 }
 
 TEST_F(XMLEngines, AFileThatTheReceiverChangesEndsTheImport) {
@@ -303,7 +341,7 @@ TEST_F(XMLEngines, AFileThatTheReceiverChangesEndsTheImport) {
                                 points + "</trkseg></trk>";
     const std::string good = testing::gpx(content);
     const std::function<void(const std::string &path)> changes[] = {
-        [&](const std::string &path) { testing::writeFile(path, good); },
+        [&](const std::string &path) { testing::writeFile(path, std::string(good.size(), ' ')); },
         [&](const std::string &path) { testing::writeFile(path, good + "\n"); },
         [&](const std::string &path) { testing::writeFile(path, "<gpx/>"); },
         [&](const std::string &path) { testing::writeFile(path, ""); },
