@@ -6,17 +6,26 @@
 
 namespace pelluvia::testing {
 
-/// Numbers by chance, the same on every machine (SplitMix64).
+/// Numbers by chance, the same in every run and on every machine (SplitMix64): what all tests use
+/// that need many cases. The distributions and algorithms of the standard library take it, too.
 class Chance {
   public:
     explicit Chance(std::uint64_t seed) : state_(seed) {}
 
-    /// A number below the limit, which is not 0.
-    [[nodiscard]] std::size_t below(std::size_t limit) {
+    /// Any number of 64 bits.
+    using result_type = std::uint64_t;
+    [[nodiscard]] static constexpr result_type min() { return 0; }
+    [[nodiscard]] static constexpr result_type max() { return ~result_type{0}; }
+    [[nodiscard]] result_type operator()() {
         std::uint64_t z = (state_ += 0x9E3779B97F4A7C15U);
         z = (z ^ (z >> 30U)) * 0xBF58476D1CE4E5B9U;
         z = (z ^ (z >> 27U)) * 0x94D049BB133111EBU;
-        return static_cast<std::size_t>((z ^ (z >> 31U)) % limit);
+        return z ^ (z >> 31U);
+    }
+
+    /// A number below the limit, which is not 0.
+    [[nodiscard]] std::size_t below(std::size_t limit) {
+        return static_cast<std::size_t>((*this)() % limit);
     }
 
     /// True once in so many times.
