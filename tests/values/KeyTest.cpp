@@ -211,18 +211,18 @@ std::string nameOfEqualHash(std::uint64_t number) {
     return name;
 }
 
-// With a table of hashes this would be some 10^11 comparisons.
+// With a table of hashes this would be some 5,000,000,000 comparisons.
 TEST(Key, ManyNamesOfTheSameHashAreAsGoodAsOthers) {
     if (std::hash<std::string_view>()(nameOfEqualHash(0)) !=
         std::hash<std::string_view>()(nameOfEqualHash(1))) {
         GTEST_SKIP() << "the hash of another library";
     }
     std::vector<Key> keys;
-    for (std::uint64_t number = 0; number < 400'000; ++number) {
+    for (std::uint64_t number = 0; number < 100'000; ++number) {
         keys.emplace_back(nameOfEqualHash(number));
     }
     EXPECT_EQ(keys[1234], Key(nameOfEqualHash(1234)));
-    EXPECT_EQ(keys.back().name(), nameOfEqualHash(399'999));
+    EXPECT_EQ(keys.back().name(), nameOfEqualHash(99'999));
 }
 
 } // namespace
