@@ -95,9 +95,10 @@ void CallLogWriter::startTransfer(const void * /*sender*/, int kind, const Dicti
 }
 
 void CallLogWriter::endTransfer(int kind) {
-    writeInteger(R"({"call":"endTransfer:","kind":)", kind);
-    observers_.resetCount();
-    observers_.tellEnd(kind);
+    state_->writeInteger(R"({"call":"endTransfer:","kind":)", kind);
+    state_->observers.resetCount();
+    const auto self = weak_from_this().lock();
+    state_->observers.tellEnd(kind);
 }
 
 void CallLogWriter::currentPosition(GPSPoint point, int accuracy) {
