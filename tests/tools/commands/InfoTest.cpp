@@ -201,6 +201,7 @@ TEST(Info, AFilesNameNeedNotBeUTF8) {
 
 TEST(Info, AFilesNameDoesNotActOnTheTerminal) {
     const TemporaryFolder folder;
+    // NOLINTNEXTLINE(misc-misleading-bidirectional)
     const std::string name = "a\xE2\x80\xAExpg\x7F.gpx";
     folder.write(name, "<gpx/>");
     const auto shown = [&](std::vector<std::string> arguments) {

@@ -21,6 +21,7 @@ TEST(Messages, BytesThatAreNotUTF8AreShownEscaped) {
     EXPECT_EQ(harmless("\xC0\x80 \xED\xA0\x80"), R"(\xC0\x80 \xED\xA0\x80)");
 }
 
+// NOLINTBEGIN(misc-misleading-bidirectional)
 TEST(Messages, ControlsOfDirectionAreShownEscaped) {
     for (const char *control : {"\xD8\x9C", "\xE2\x80\x8E", "\xE2\x80\x8F", "\xE2\x80\xAA",
                                 "\xE2\x80\xAB", "\xE2\x80\xAC", "\xE2\x80\xAD", "\xE2\x80\xAE",
@@ -31,6 +32,7 @@ TEST(Messages, ControlsOfDirectionAreShownEscaped) {
     }
     EXPECT_EQ(harmless("ride\xE2\x80\xAExpg.gpx"), R"(ride\xE2\x80\xAExpg.gpx)");
 }
+// NOLINTEND(misc-misleading-bidirectional)
 
 TEST(Messages, OtherTextsStayAsTheyAre) {
     // With neighbours of what is escaped, and a backslash.

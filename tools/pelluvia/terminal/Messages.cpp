@@ -23,6 +23,7 @@ struct Range {
 
 /// Characters that are no text to be read but act on the terminal: they give commands, or change
 /// the direction of what follows, which can make a name look like another.
+// NOLINTBEGIN(misc-misleading-bidirectional): they are named here so that they mislead nobody
 constexpr auto acting = std::to_array<Range>({
     {std::string_view("\0", 1), "\x1F"},
     {"\x7F", "\x7F"},
@@ -32,6 +33,7 @@ constexpr auto acting = std::to_array<Range>({
     {"\xE2\x80\xAA", "\xE2\x80\xAE"}, // U+202A to U+202E, embeddings and overrides
     {"\xE2\x81\xA6", "\xE2\x81\xA9"}, // U+2066 to U+2069, isolates
 });
+// NOLINTEND(misc-misleading-bidirectional)
 
 bool isActing(std::string_view character) {
     return std::any_of(acting.begin(), acting.end(), [character](const Range &range) {
