@@ -47,21 +47,23 @@ if(PELLUVIA_SANITIZE)
 endif()
 
 # What an attacker would make of a fault of ours is made harder. The checks of the C library need an
-# optimiser, and the sanitizers bring their own.
+# optimiser, and the sanitizers bring their own. For what is installed; tests and measuring programs go
+# without.
+add_library(pelluvia_hardening INTERFACE)
 include(CheckCXXCompilerFlag)
 set(PELLUVIA_HARDENED OFF)
 if(PELLUVIA_HARDENING AND NOT PELLUVIA_SANITIZE AND CMAKE_BUILD_TYPE MATCHES "^Rel|^MinSizeRel$")
     set(PELLUVIA_HARDENED ON)
-    target_compile_options(pelluvia_options INTERFACE
+    target_compile_options(pelluvia_hardening INTERFACE
         -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
     foreach(flag -fstack-clash-protection -fcf-protection)
         string(MAKE_C_IDENTIFIER "has${flag}" has_flag)
         check_cxx_compiler_flag(${flag} ${has_flag})
         if(${has_flag})
-            target_compile_options(pelluvia_options INTERFACE ${flag})
+            target_compile_options(pelluvia_hardening INTERFACE ${flag})
         endif()
     endforeach()
-    target_link_options(pelluvia_options INTERFACE LINKER:-z,relro,-z,now)
+    target_link_options(pelluvia_hardening INTERFACE LINKER:-z,relro,-z,now)
 endif()
 
 # pelluvia_runpath(target path): where the target's file looks for our libraries, from the folder it
@@ -88,7 +90,8 @@ function(pelluvia_library target name)
         return()
     endif()
     list(TRANSFORM this_USES REPLACE "(.+)" "$<BUILD_INTERFACE:\\1>")
-    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:pelluvia_options> ${this_USES})
+    target_link_libraries(${target} PRIVATE
+        $<BUILD_INTERFACE:pelluvia_options> $<BUILD_INTERFACE:pelluvia_hardening> ${this_USES})
     # Calls inside the library go straight to their function, not through the loader's table; and of the
     # standard library's templates that we instantiate nothing shows.
     set(exports ${CMAKE_CURRENT_SOURCE_DIR}/exports.map)

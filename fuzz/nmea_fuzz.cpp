@@ -106,7 +106,7 @@ class RuleChecker : public fuzz::StrictReceiver {
 
 /// Decodes the bytes in pieces of the sizes that the seed makes, or, without one, at once.
 NMEATally decode(std::string_view bytes, const nmea::DecoderOptions &options,
-                   std::optional<std::uint32_t> seed, RuleChecker &receiver) {
+                 std::optional<std::uint32_t> seed, RuleChecker &receiver) {
     nmea::LineSplitter splitter;
     nmea::Decoder decoder(receiver, options);
     const auto use = [&](std::string_view line, nmea::LineEnd end) {

@@ -194,7 +194,7 @@ TEST_P(Faults, LeaveOldOrNewFilesAndAreSaid) {
     bool wasHit = true;
     for (int number = 1; wasHit && !HasFailure(); ++number) {
         ASSERT_LT(number, most);
-        SCOPED_TRACE(fault().text + (" " + std::to_string(number)));
+        SCOPED_TRACE(::testing::Message() << fault().text << ' ' << number);
         const TemporaryFolder folder;
         fill(folder);
         const Files before = filesIn(folder.path());

@@ -118,10 +118,10 @@ template <class Float>
         } else if (const auto *number = std::get_if<std::int64_t>(&value)) {
             info += std::to_string(*number);
         } else {
-            info += "(" + textOf(std::get<ErrorPtr>(value)) + ")";
+            info.append("(").append(textOf(std::get<ErrorPtr>(value))).append(")");
         }
     }
-    return result + " {" + info + "}";
+    return result.append(" {").append(info).append("}");
 }
 
 [[nodiscard]] inline std::string textOf(const Report &report) {

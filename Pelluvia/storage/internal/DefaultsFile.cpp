@@ -260,8 +260,9 @@ int DefaultsFile::replace(const std::string &content) const {
         return EFBIG;
     }
     const std::filesystem::path target = endOfLinks(path_);
-    const std::string temporary =
-        target.parent_path() / ("." + target.filename().string() + ".pelluvia-new");
+    std::string name(".");
+    name.append(target.filename().native()).append(".pelluvia-new");
+    const std::string temporary = target.parent_path() / name;
     // Left over from a process that was killed: nobody else is here, since we hold the lock.
     ::unlink(temporary.c_str());
     int error = writeNew(temporary, content);
