@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 """Makes the GPX files that bench/compare converts: the same bytes for the same size, every time."""
 
 import functools

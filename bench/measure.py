@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 """Runs one program and tells what it took: wall time, processor time, peak resident memory."""
 
 import ctypes

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // How many NMEA sentences the driver reads in a second of processor time: from a file, through
 // everything, to a receiver that does nothing. Exit status 1 when the bar is missed.
 //

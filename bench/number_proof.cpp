@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 /// \file
 /// Compares the texts of numbers and times with the C library's, for as long as one likes:
 ///

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What the XML library takes for bare passes over a GPX file, with handlers that do nothing, and
 // what the framework takes for its work on the same file: the counting parse beside one bare pass,
 // and the four passes of an import into a receiver that does nothing beside four. All take turns in

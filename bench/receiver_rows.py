@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 """The rows of bench/compare about receivers: a log of NMEA sentences to GPX, and the thinning of a
 track while it is recorded."""
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What a recording costs: memory and processor time a point, bare and with three extras, replay,
 // thinning and release. Prints one line a measurement; exit status 1 when a bar is missed.
 

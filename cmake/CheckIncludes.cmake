@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # Checks what the sources under ROOT include:
 #
 #     cmake -DROOT=<folder that holds Pelluvia/ and tools/> -P CheckIncludes.cmake

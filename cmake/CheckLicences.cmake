@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # Checks that every source under ROOT says which licence it has, in its first line, or in the second
 # behind a #! line:
 #

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # Every header compiles alone, and twice in a row; the public ones also without the folders of any
 # library that the framework is built on: the build itself is the test.
 

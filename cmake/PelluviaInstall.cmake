@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # What `cmake --install` puts under the prefix: the libraries, the public headers, the CMake package,
 # pelluvia.pc and one .pc file for each component. The package of shared libraries asks for nothing: the
 # XML library, the JSON library and GIO are their own business. Static ones need them from who links.

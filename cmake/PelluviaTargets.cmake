@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # What all targets of this project share: the language, the warnings, the sanitizers.
 
 set(CMAKE_CXX_STANDARD 20)

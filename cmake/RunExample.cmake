@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # Runs an example in an empty folder and checks what it does:
 #
 #     cmake -DPROGRAM=... -DWORK=<folder> [-DARGUMENTS=a|b] -DSTATUS=<exit status>

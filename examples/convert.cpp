@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Reads a GPX file and writes it again: a complete small host.
 //
 //     convert SOURCE.gpx TARGET.gpx

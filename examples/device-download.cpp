@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Downloads a track from a device, thins it on the way, and writes it as GPX, with a driver for a
 // device that is made up. Without thinning and summary, the driver is given the exporter itself.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Converts a GPX file inside a program that has a GLib main loop, as a GTK application has.
 //
 //     glib-host SOURCE.gpx TARGET.gpx

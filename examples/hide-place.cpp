@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Writes a GPX file again without the points near a place: a ride that can be shown to others does
 // not say where its rider lives.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Prints the waypoints of a GPX file.
 //
 //     list-waypoints FILE.gpx

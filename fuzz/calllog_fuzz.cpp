@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Feeds any bytes to the reader of call logs, from memory and from a file, and checks that both
 // lead to the same calls and the same error, and that what a writer makes of the calls is a log
 // that is read and written again as it is. See fuzz/README.md.

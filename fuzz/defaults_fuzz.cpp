@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Feeds any bytes to the text of the user defaults, and checks that what is understood stays as it
 // is, whatever is written beside it. See fuzz/README.md.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Imports any bytes as a GPX file and checks that the calls follow the receiver's rules, whatever
 // the bytes are, and that an import by the XML library makes the same calls, with the same error in
 // the same place, as one by the scanner. See fuzz/README.md.

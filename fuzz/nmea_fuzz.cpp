@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Feeds any bytes to the NMEA driver, in pieces of any size, and checks that the calls follow the
 // receiver's rules, that no value is impossible, and that the pieces make no difference. See
 // fuzz/README.md.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Makes any calls on a recorder, in any order, and checks that it then holds, tells and replays
 // what a plain model of it does. See fuzz/README.md.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Reads any bytes with both XML engines, the scanner and the library, and compares what they
 // report; and short ones again as the content of an element that repeats them. The last byte
 // chooses how much the scanner has in memory at a time. Then parsers read them from memory: whoever

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/gpxwriter/GPXWriter.h>
 
 #include <Pelluvia/gpxwriter/internal/DictionaryStrings.h>

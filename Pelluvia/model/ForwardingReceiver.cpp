@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/model/ForwardingReceiver.h>
 
 #include <Pelluvia/model/NullReceiver.h>

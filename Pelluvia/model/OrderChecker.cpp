@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/model/OrderChecker.h>
 
 namespace pelluvia {

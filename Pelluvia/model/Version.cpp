@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/model/Version.h>
 
 const char PelluviaVersionString[] = "@(#)PROGRAM:Pelluvia  PROJECT:Pelluvia-1\n";

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/nmea/NMEAUtils.h>
 
 #include <Pelluvia/system/Log.h>

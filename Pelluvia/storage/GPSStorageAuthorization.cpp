@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/storage/GPSStorageAuthorization.h>
 
 #include <Pelluvia/model/ErrorDomains.h>

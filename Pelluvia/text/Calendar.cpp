@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/text/Calendar.h>
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/text/NumberText.h>
 
 #include <Pelluvia/text/internal/DigitPairs.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/text/Companion.h>
 
 #include <Pelluvia/system/OutputFile.h>

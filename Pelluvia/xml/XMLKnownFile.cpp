@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/xml/XMLKnownFile.h>
 
 #include <Pelluvia/xml/internal/KnownContent.h>

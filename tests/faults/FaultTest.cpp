@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/faults/FaultyRun.h>
 
 #ifdef PELLUVIA_HAS_STORAGE

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/NullReceiver.h>
 #include <Pelluvia/model/TransferKind.h>

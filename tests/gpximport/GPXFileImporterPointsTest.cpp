@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/model/TransferKind.h>
 #include <tests/gpximport/Importing.h>
 

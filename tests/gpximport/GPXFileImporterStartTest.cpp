@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/gpximport/Importing.h>
 
 #include <gmock/gmock.h>

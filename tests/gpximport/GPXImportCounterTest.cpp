@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/gpximport/GPXImportCounter.h>
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>

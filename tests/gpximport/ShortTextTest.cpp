@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/gpximport/internal/ShortText.h>
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 #include <Pelluvia/gpximport/GPXImportCounter.h>
 #include <Pelluvia/model/GPXNamespaces.h>

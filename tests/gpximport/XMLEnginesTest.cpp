@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/gpximport/Importing.h>
 #include <tests/gpximport/RandomGPX.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/gpxwriter/WriterTest.h>
 
 #include <cmath>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/gpxwriter/internal/PointExtensions.h>
 #include <tests/gpxwriter/WriterTest.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/gpxwriter/SampleDocuments.h>
 
 #include <Pelluvia/gpxwriter/GPXExporter.h>

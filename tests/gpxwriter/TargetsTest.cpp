@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Where documents go: paths, descriptors, memory; and when what was written is there.
 
 #include <Pelluvia/gpxwriter/GPXExporter.h>

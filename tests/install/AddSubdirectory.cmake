@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # An outside project builds the sources SOURCE as a part of itself, for a gpxdata host of its own, as
 # static libraries; and what it installs of them serves other projects.
 # Its folder is kept, so that only the first run takes long.

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # An outside program in C is built by one call of the C compiler C_COMPILER with what pkg-config says.
 cmake_minimum_required(VERSION 3.22)
 include(${CMAKE_CURRENT_LIST_DIR}/Support.cmake)

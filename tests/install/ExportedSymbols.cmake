@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # Compares what the shared library LIBRARY defines for others with two lists:
 #   C_NAMES    the symbols with C linkage; not given: there are none
 #   CPP_NAMES  the classes, whose members may be defined, and the free functions

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # An outside project finds the installed package.
 cmake_minimum_required(VERSION 3.22)
 include(${CMAKE_CURRENT_LIST_DIR}/Support.cmake)

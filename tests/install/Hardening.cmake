@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # The library or program FILE is as hard to misuse as the build says: its table of functions is read-only
 # before it runs, its stack is guarded, and calls of the C library are checked; with RUNPATH_ONLY it is
 # only seen to that it looks for libraries nowhere but beside itself.

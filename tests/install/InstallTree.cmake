@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # Installs the build tree BUILD under PREFIX, which is not the prefix that it was configured for.
 cmake_minimum_required(VERSION 3.22)
 include(${CMAKE_CURRENT_LIST_DIR}/Support.cmake)

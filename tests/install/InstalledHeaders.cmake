@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # The installed headers need no header that is not installed, can stand in one source together, and are
 # Objective-C++ as well as C++.
 cmake_minimum_required(VERSION 3.22)

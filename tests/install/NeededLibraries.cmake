@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # The library or program FILE needs the C and C++ runtimes and the libraries that the expression ALLOWED
 # names, nothing else, and none of them in vain: each part of ALLOWED is needed.
 cmake_minimum_required(VERSION 3.22)

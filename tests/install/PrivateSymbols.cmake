@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # The shared library LIBRARY shows only what an outside program can use: every function and variable
 # that it defines for others is declared in an installed header and not private there, unless an inline
 # function of a header needs it. Asked of the compiler: a program that names each of them is compiled,

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # Outside programs use the installed storage component: one finds it with find_package, the other with
 # pkg-config.
 cmake_minimum_required(VERSION 3.22)

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # Outside programs are built without run-time type information and without exceptions, with all the
 # warnings that a careful host turns on as errors, and in C, and run.
 cmake_minimum_required(VERSION 3.22)

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # What the scripts of this folder share.
 
 # run(command...): runs the command; a failure ends the test with its output. Its standard output is

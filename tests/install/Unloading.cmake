@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # The library LIBRARY is gone when a program that has loaded and used it lets go of it; and it has no
 # symbol that is unique in the process, which would keep it.
 cmake_minimum_required(VERSION 3.22)

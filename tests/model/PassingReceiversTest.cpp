@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The receivers that pass calls on, and the one that does not.
 
 #include <Pelluvia/model/ExtrasKeys.h>

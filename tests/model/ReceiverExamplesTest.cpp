@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The examples of the receivers' descriptions, at work between an importer and an exporter.
 
 #include <Pelluvia/gpximport/GPXFileImporter.h>

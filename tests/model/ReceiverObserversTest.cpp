@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/model/ReceiverObservers.h>
 
 #include <Pelluvia/model/NullReceiver.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Whom a recorder tells what: completion, warnings and errors through the main thread's queue,
 // progress at once.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The recorder compared with a model of it, on random calls in random order.
 
 #include <tests/support/RecorderCalls.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The thinning compared with a model that is written out rule by rule, on random tracks made of the
 // numbers where rules begin and end.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/recording/RecordingGPSOutput.h>
 
 #include <tests/recording/Spies.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/storage/PanelTest.h>
 
 #include <Pelluvia/storage/GPSStorageAuthorization.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/storage/internal/BookmarkRecord.h>
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/storage/internal/DefaultsText.h>
 
 #include <cmath>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/storage/OwnDefaults.h>
 #include <tests/storage/PrivateBus.h>
 #include <tests/storage/Probe.h>

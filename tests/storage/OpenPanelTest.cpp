@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/storage/OpenPanel.h>
 
 #include <tests/storage/PanelTest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/storage/FalseBus.h>
 #include <tests/storage/PanelTest.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/storage/ScriptedPortal.h>
 
 #include <algorithm>

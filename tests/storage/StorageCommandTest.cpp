@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Only where the command is built.
 #ifdef PELLUVIA_PROGRAM
 #include <tests/storage/PanelTest.h>

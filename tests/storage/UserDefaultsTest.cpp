@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/storage/UserDefaults.h>
 
 #include <tests/storage/OwnDefaults.h>

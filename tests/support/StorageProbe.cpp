@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/storage/Bookmark.h>
 #include <Pelluvia/storage/GPSStorageAuthorization.h>
 #include <Pelluvia/storage/UserDefaults.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/support/TemporaryFolder.h>
 
 #include <cstdlib>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include <Pelluvia/xml/internal/sax2/Sax2Engine.h>

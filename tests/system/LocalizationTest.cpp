@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/system/Localization.h>
 
 #include <cstdlib>

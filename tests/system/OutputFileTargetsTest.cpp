@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What an output file can be made on beside a path, and when its content is safe.
 
 #include <Pelluvia/system/OutputFile.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Numbers read and write the same where the process has a locale with a decimal comma.
 
 #include <Pelluvia/text/NumberText.h>

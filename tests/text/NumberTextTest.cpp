@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The C library's printf, in the "C" locale that every process starts with, is the measure.
 
 #include <Pelluvia/text/NumberText.h>

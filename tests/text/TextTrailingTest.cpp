@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/text/Text.h>
 
 #include <gtest/gtest.h>

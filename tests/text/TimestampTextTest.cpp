@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The C library's gmtime_r and printf are the measure.
 
 #include <Pelluvia/text/TimestampText.h>

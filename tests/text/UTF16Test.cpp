@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/text/UTF16.h>
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Arrays keep dictionaries, as long as nothing else has come, in half the space; nothing of that
 // shows.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Letting go of containers needs no stack, whatever is nested in what, and frees each exactly once.
 
 #include <Pelluvia/values/internal/ContainerRelease.h>

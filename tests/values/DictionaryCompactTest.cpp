@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Dictionaries made by `wrapping`: one block of memory that behaves like any other dictionary.
 
 #include <Pelluvia/values/Array.h>

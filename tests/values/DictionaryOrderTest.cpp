@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Dictionaries compared with a plain list of pairs, over random sequences of everything that can be
 // done with them.
 

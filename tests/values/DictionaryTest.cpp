@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/values/Dictionary.h>
 
 #include <Pelluvia/values/Array.h>

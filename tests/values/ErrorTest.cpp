@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/values/Error.h>
 
 #include <gtest/gtest.h>

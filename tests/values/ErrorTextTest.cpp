@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/values/ErrorText.h>
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What converts to a value, and the lists that are made of such.
 
 #include <Pelluvia/values/Array.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Letting go of nested arrays and dictionaries.
 
 #include <Pelluvia/values/Array.h>

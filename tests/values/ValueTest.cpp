@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/values/Value.h>
 
 #include <Pelluvia/values/Array.h>

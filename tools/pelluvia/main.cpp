@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commandline/CommandLine.h>
 #include <tools/pelluvia/commandline/ExitStatus.h>
 #include <tools/pelluvia/commands/Convert.h>

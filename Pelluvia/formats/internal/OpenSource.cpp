@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/internal/OpenSource.h>
 
 #include <cerrno>

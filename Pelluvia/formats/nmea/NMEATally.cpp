@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/nmea/NMEATally.h>
 
 #include <string_view>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/gpximport/internal/CollectedPoint.h>
 
 namespace pelluvia {

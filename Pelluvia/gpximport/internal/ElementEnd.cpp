@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/gpximport/internal/ElementHandler.h>
 
 #include <Pelluvia/gpximport/internal/GPXVocabulary.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/storage/internal/FolderSearch.h>
 
 #include <Pelluvia/storage/internal/FolderWalk.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/storage/internal/PortalRequest.h>
 
 #include <Pelluvia/storage/OpenPanel.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/storage/internal/SessionBus.h>
 
 #include <Pelluvia/storage/internal/GLibPointers.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/xml/internal/Encoding.h>
 
 #include <Pelluvia/xml/XMLErrors.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/xml/internal/EntityFolder.h>
 
 #include <Pelluvia/xml/internal/Failure.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/xml/internal/ExternalEntities.h>
 
 #include <Pelluvia/system/Log.h>

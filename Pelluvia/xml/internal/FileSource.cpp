@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/xml/internal/FileSource.h>
 
 #include <Pelluvia/xml/internal/Failure.h>

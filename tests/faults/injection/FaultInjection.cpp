@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 /// \file
 /// A library to be preloaded (LD_PRELOAD) that lets system calls of a program fail. It stands
 /// before the C library, so it sees what the program and its libraries call, not what the C library

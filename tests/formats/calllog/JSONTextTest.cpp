@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/calllog/JSONText.h>
 
 #include <tests/support/TemporaryFolder.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/calllog/internal/LineReader.h>
 
 #include <tests/formats/calllog/CallLogs.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/support/ExpectOrdered.h>
 #include <tests/support/SpyReceiver.h>
 #include <tests/support/TemporaryFolder.h>

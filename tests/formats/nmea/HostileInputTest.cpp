@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/formats/nmea/Logs.h>
 
 #include <Pelluvia/system/Log.h>

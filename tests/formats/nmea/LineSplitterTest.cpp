@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/nmea/read/LineSplitter.h>
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/nmea/NMEADriver.h>
 #include <Pelluvia/formats/nmea/live/LiveView.h>
 

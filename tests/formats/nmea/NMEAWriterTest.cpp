@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/nmea/NMEAWriter.h>
 
 #include <tests/formats/nmea/Logs.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/nmea/write/PointSentences.h>
 
 #include <Pelluvia/nmea/NMEAUtils.h>

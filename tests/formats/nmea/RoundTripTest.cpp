@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/formats/nmea/Logs.h>
 #include <tests/formats/nmea/Written.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/nmea/read/Sentence.h>
 
 #include <gtest/gtest.h>

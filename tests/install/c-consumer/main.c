@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 /* A program in C99 that writes a GPX file, of somebody else's. */
 
 #include <Pelluvia/gpxwriter/GPXWriter.h>

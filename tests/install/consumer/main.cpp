@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/gpxwriter/GPXExporter.h>
 #include <Pelluvia/model/ExtrasKeys.h>
 #include <Pelluvia/model/Version.h>

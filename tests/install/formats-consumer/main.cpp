@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/calllog/CallLogReader.h>
 #include <Pelluvia/formats/calllog/CallLogWriter.h>
 #include <Pelluvia/formats/nmea/NMEADriver.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A program that is compiled without run-time type information and without exceptions, with every
 // warning as an error, and includes every installed header.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 /* The version, for a program in C. */
 
 #include <Pelluvia/model/Version.h>

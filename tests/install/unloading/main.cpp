@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Loads the library that is named first, has it write the file that is named second, lets go of it,
 // and says whether it is gone. Twice, since a library that was gone must come back whole.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commandline/CommandLine.h>
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commandline/CreatorText.h>
 
 #include <gtest/gtest.h>

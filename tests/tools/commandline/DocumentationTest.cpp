@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/formats/calllog/CallLogs.h>
 #include <tests/tools/Pelluvia.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commands/CallFilter.h>
 
 #include <tests/formats/calllog/CallLogs.h>

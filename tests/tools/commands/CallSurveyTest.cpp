@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commands/CallSurvey.h>
 
 #include <Pelluvia/model/ExtrasKeys.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commands/ConversionProgress.h>
 
 #include <Pelluvia/model/TransferKind.h>

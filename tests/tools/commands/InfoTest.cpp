@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tests/tools/Pelluvia.h>
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/files/TargetFile.h>
 
 #include <tests/support/TemporaryFolder.h>

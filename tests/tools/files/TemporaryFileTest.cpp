@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/files/TemporaryFile.h>
 
 #include <tests/support/TemporaryFolder.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/terminal/ProgressBar.h>
 
 #include <gmock/gmock.h>

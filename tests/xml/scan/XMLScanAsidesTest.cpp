@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/xml/internal/scan/Asides.h>
 #include <Pelluvia/xml/internal/scan/Bytes.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/xml/internal/scan/ElementTree.h>
 #include <Pelluvia/xml/internal/scan/ScanEngine.h>
 #include <Pelluvia/xml/internal/scan/TagMemory.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/xml/internal/scan/Bytes.h>
 #include <Pelluvia/xml/internal/scan/Window.h>
 

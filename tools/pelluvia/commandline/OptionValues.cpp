@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commandline/OptionValues.h>
 
 #include <Pelluvia/values/Number.h>

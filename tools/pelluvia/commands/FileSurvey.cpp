@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commands/FileSurvey.h>
 
 #include <Pelluvia/text/Scanner.h>

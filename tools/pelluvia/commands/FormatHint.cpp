@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commands/FormatHint.h>
 
 #include <tools/pelluvia/files/Descriptor.h>

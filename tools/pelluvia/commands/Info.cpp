@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commands/Info.h>
 
 #include <tools/pelluvia/commandline/ExitStatus.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commands/Output.h>
 
 #include <Pelluvia/formats/calllog/CallLogWriter.h>

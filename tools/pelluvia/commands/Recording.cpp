@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commands/Recording.h>
 
 #include <Pelluvia/formats/calllog/JSONText.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commands/StorageHelper.h>
 
 #include <tools/pelluvia/commandline/ExitStatus.h>

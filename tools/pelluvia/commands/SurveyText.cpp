@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commands/SurveyText.h>
 
 #include <tools/pelluvia/terminal/Messages.h>

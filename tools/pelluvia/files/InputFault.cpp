@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/files/InputFault.h>
 
 #include <tools/pelluvia/terminal/ReportCollector.h>

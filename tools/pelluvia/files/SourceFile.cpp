@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/files/SourceFile.h>
 
 #include <tools/pelluvia/files/UnnamedFile.h>

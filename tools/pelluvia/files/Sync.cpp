@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/files/Sync.h>
 
 #include <tools/pelluvia/files/Descriptor.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/files/TargetFile.h>
 
 #include <tools/pelluvia/files/Sync.h>

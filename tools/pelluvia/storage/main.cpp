@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/commandline/ExitStatus.h>
 #include <tools/pelluvia/files/StandardOutput.h>
 #include <tools/pelluvia/terminal/Messages.h>

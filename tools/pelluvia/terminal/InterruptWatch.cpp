@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/terminal/InterruptWatch.h>
 
 #include <array>

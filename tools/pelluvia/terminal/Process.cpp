@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/terminal/Process.h>
 
 #include <tools/pelluvia/terminal/Messages.h>

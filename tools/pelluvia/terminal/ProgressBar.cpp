@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <tools/pelluvia/terminal/ProgressBar.h>
 
 #include <Pelluvia/model/TransferKind.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/calllog/internal/CallArguments.h>
 
 #include <Pelluvia/formats/calllog/internal/CallValues.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/calllog/internal/CallLine.h>
 
 #include <utility>

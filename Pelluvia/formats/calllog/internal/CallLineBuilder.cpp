@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/calllog/internal/CallLineBuilder.h>
 
 #include <Pelluvia/formats/calllog/internal/CallLogLimits.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/calllog/internal/CallLineParser.h>
 
 #include <Pelluvia/formats/calllog/internal/CallLineBuilder.h>

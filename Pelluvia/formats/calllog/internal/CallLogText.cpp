@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/calllog/internal/CallLogText.h>
 
 #include <Pelluvia/formats/calllog/internal/CallLogLimits.h>

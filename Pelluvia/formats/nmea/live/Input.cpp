@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/nmea/live/Input.h>
 
 #include <cerrno>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/formats/nmea/read/LineSplitter.h>
 
 namespace pelluvia::nmea {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/xml/internal/sax2/LimitFailures.h>
 #include <Pelluvia/xml/internal/sax2/Sax2Engine.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Pelluvia/xml/internal/scan/LineCounter.h>
 
 #include <algorithm>
