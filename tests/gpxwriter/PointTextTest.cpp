@@ -8,8 +8,8 @@
 #include <ctime>
 #include <gtest/gtest.h>
 #include <limits>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 
 namespace pelluvia {
 namespace {
@@ -98,7 +98,7 @@ TEST(TimeElement, AgreesWithTheCLibrary) {
                                     firstBrokenDown - 1, lowest, highest}) {
         EXPECT_EQ(timeElement(time), timeElementOfC(time)) << time;
     }
-    std::mt19937_64 random(7);
+    testing::Chance random(7);
     for (int i = 0; i < 50'000; ++i) {
         const std::int64_t time = static_cast<std::int64_t>(random()) >> (i % 60);
         if (time != 0) {

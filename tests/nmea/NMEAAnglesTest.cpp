@@ -2,7 +2,7 @@
 
 #include <Pelluvia/nmea/NMEAUtils.h>
 
-#include <tests/nmea/RandomText.h>
+#include <tests/support/RandomText.h>
 
 #include <bit>
 #include <cmath>
@@ -10,8 +10,8 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <limits>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 
 namespace pelluvia {
 namespace {
@@ -130,7 +130,7 @@ TEST(NMEAUtils, WritesTheLargestNumbersInFull) {
 }
 
 TEST(NMEAUtils, WritesAnglesAsTheCLibraryDoes) {
-    std::mt19937_64 random(52);
+    testing::Chance random(52);
     for (int round = 0; round < 100'000; ++round) {
         const bool anyBits = round % 2 == 0;
         double degrees = anyBits ? std::bit_cast<double>(random())
@@ -149,7 +149,7 @@ TEST(NMEAUtils, WritesAnglesAsTheCLibraryDoes) {
 }
 
 TEST(NMEAUtils, AnglesComeBackToTheResolutionOfTheFormat) {
-    std::mt19937_64 random(4807);
+    testing::Chance random(4807);
     // Half of the last of three decimals of a minute, and the rounding of the way back.
     constexpr double resolution = 0.0005 / 60.0 + 1e-12;
     for (int round = 0; round < 100'000; ++round) {
@@ -166,7 +166,7 @@ TEST(NMEAUtils, AnglesComeBackToTheResolutionOfTheFormat) {
 }
 
 TEST(NMEAUtils, ReadsANumberFromAnyBytes) {
-    std::mt19937 random(31);
+    testing::Chance random(31);
     for (int round = 0; round < 50'000; ++round) {
         const std::string text = testing::randomText(random);
         const double degrees = NMEAUtils::convertNMEADegreesMinutes(text, text);

@@ -2,7 +2,7 @@
 
 #include <Pelluvia/nmea/NMEAUtils.h>
 
-#include <tests/nmea/RandomText.h>
+#include <tests/support/RandomText.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -11,6 +11,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <tests/support/Chance.h>
 
 namespace pelluvia {
 namespace {
@@ -121,7 +122,7 @@ TEST(NMEAUtils, AnEightCharacterDateLandsFarAhead) {
 }
 
 TEST(NMEAUtils, ReadsDatesAsTheCLibraryNormalisesThem) {
-    std::mt19937 random(12);
+    testing::Chance random(12);
     for (int round = 0; round < 100'000; ++round) {
         const auto field = [&random] { return static_cast<int>(random() % 100); };
         const int date[] = {field(), field(), field()};
@@ -166,7 +167,7 @@ TEST(NMEAUtils, WritesTheDateAloneWhenNobodyWantsTheTime) {
 }
 
 TEST(NMEAUtils, WritesDatesAsTheCLibraryBreaksThemDown) {
-    std::mt19937_64 random(1900);
+    testing::Chance random(1900);
     std::uniform_int_distribution<std::int64_t> times(-60'000'000'000'000, 60'000'000'000'000);
     for (int round = 0; round < 100'000; ++round) {
         const std::int64_t seconds = times(random) >> (round % 24);
@@ -183,7 +184,7 @@ TEST(NMEAUtils, WritesDatesAsTheCLibraryBreaksThemDown) {
 }
 
 TEST(NMEAUtils, DatesComeBackForAHundredYears) {
-    std::mt19937_64 random(69);
+    testing::Chance random(69);
     std::uniform_int_distribution<std::int64_t> times(0, 3155759999);
     for (int round = 0; round < 100'000; ++round) {
         const std::int64_t seconds = times(random);
@@ -236,7 +237,7 @@ TEST(NMEAUtils, UpdatesTheTimeOfDayWithinTheDay) {
 }
 
 TEST(NMEAUtils, ReadsADateFromAnyBytes) {
-    std::mt19937 random(13);
+    testing::Chance random(13);
     for (int round = 0; round < 50'000; ++round) {
         const std::string text = testing::randomText(random);
         // Years of an int and two digits of everything else.

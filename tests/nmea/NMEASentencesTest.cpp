@@ -6,8 +6,8 @@
 
 #include <cstdio>
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 #include <vector>
 
 namespace pelluvia {
@@ -29,7 +29,7 @@ std::string xorOf(std::string_view text) {
     return digits;
 }
 
-std::string randomASCII(std::mt19937 &random, std::size_t size) {
+std::string randomASCII(testing::Chance &random, std::size_t size) {
     std::string text(size, ' ');
     for (char &c : text) {
         c = static_cast<char>(random() % 128);
@@ -239,7 +239,7 @@ TEST(NMEAUtils, MeasuresTheLengthInCharactersNotBytes) {
 
 TEST(NMEAUtils, EveryFramedBodyValidates) {
     const LogCapture log;
-    std::mt19937 random(5);
+    testing::Chance random(5);
     for (int round = 0; round < 20'000; ++round) {
         const std::string text = randomASCII(random, random() % 100);
         const auto framed = NMEAUtils::addChecksumToNMEASentence(text);
@@ -265,7 +265,7 @@ TEST(NMEAUtils, NoSingleChangedCharacterPasses) {
 
 TEST(NMEAUtils, SurvivesAnyBytes) {
     const LogCapture log;
-    std::mt19937 random(83);
+    testing::Chance random(83);
     constexpr std::string_view common = "$*0Aa \r\n\xE2\x80\xA8\xC2\x85\xF0\x9F\x98";
     for (int round = 0; round < 100'000; ++round) {
         std::string line(random() % 24, ' ');

@@ -6,8 +6,8 @@
 #include <tests/support/Sanitized.h>
 
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 
 namespace pelluvia {
 namespace {
@@ -19,7 +19,7 @@ constexpr int rounds = 3000;
 #endif
 
 TEST(RecorderModel, AgreesOnRandomCallsInRandomOrder) {
-    std::mt19937_64 random(20241121);
+    testing::Chance random(20241121);
     std::size_t filed = 0;
     std::int64_t tests = 0;
     for (int round = 0; round < rounds; ++round) {

@@ -13,7 +13,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
-#include <random>
+#include <tests/support/Chance.h>
 #include <vector>
 
 namespace pelluvia {
@@ -83,7 +83,7 @@ class Pair {
     std::int64_t number = 0;
 };
 
-using Random = std::mt19937_64;
+using Random = testing::Chance;
 
 std::size_t below(Random &random, std::size_t end) {
     return static_cast<std::size_t>(random() % end);

@@ -7,6 +7,7 @@
 #include <limits>
 #include <ostream>
 #include <random>
+#include <tests/support/Chance.h>
 
 namespace pelluvia {
 
@@ -94,7 +95,7 @@ TEST(Calendar, TheEndsOfTheRangesAreDefined) {
 }
 
 TEST(Calendar, AgreesWithTheCLibraryOnRandomTimes) {
-    std::mt19937_64 random(20200601);
+    testing::Chance random(20200601);
     // Years that a `struct tm` holds.
     std::uniform_int_distribution<std::int64_t> times(-67'000'000'000'000'000,
                                                       67'000'000'000'000'000);

@@ -10,6 +10,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <tests/support/Chance.h>
 
 namespace pelluvia {
 namespace {
@@ -201,7 +202,7 @@ TEST(ScanISO8601DateAsSeconds, ReadsOneDateAfterAnother) {
 }
 
 TEST(ScanISO8601DateAsSeconds, AgreesWithTheCLibraryFromYear1To9999) {
-    std::mt19937_64 random(20200601);
+    testing::Chance random(20200601);
     std::uniform_int_distribution<std::int64_t> anyTime(witness(1, 1, 1, 0, 0, 0),
                                                         witness(9999, 12, 31, 23, 59, 59));
     std::uniform_int_distribution<int> anyZone(-1439, 1439);

@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <limits>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 
 namespace pelluvia {
 namespace {
@@ -43,7 +43,7 @@ void compareInteger(std::int64_t value, int width) {
 }
 
 TEST(NumberText, PadsFixedNumbersAsPrintfDoes) {
-    std::mt19937_64 random(8);
+    testing::Chance random(8);
     for (int round = 0; round < 50'000; ++round) {
         const int decimals = static_cast<int>(random() % 7);
         const int width = static_cast<int>(random() % 24);

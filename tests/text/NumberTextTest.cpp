@@ -14,6 +14,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <tests/support/Chance.h>
 
 namespace pelluvia {
 namespace {
@@ -76,7 +77,7 @@ void compare(double value) {
 /// Compares `count` values that `make` draws.
 template <class Make>
 void compareMany(int count, Make make) {
-    std::mt19937_64 random(20200601); // NOLINT(cert-msc51-cpp): the same numbers in every run
+    testing::Chance random(20200601);
     for (int i = 0; i < count / share; ++i) {
         ASSERT_NO_FATAL_FAILURE(compare(make(random)));
     }
@@ -218,7 +219,7 @@ TEST(NumberText, WritesIntegersAsPrintfDoes) {
     using Write = char *(*)(char *, std::int64_t);
     const Write integer = +[](char *out, std::int64_t v) { return writeInteger(out, v); };
     const Write twoDigits = +[](char *out, std::int64_t v) { return writeTwoDigits(out, v); };
-    std::mt19937_64 random(5); // NOLINT(cert-msc51-cpp): the same numbers in every run
+    testing::Chance random(5);
     const auto check = [&](std::int64_t value) {
         ASSERT_EQ(written<maxIntegerText>(integer, value),
                   printed("%lld", static_cast<long long>(value)));

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 
 namespace pelluvia {
 namespace {
@@ -16,7 +16,7 @@ namespace {
 // must be what the general way gives. The witness is the C library, in the "C" locale of this
 // program.
 
-std::string digits(std::mt19937_64 &random, int count) {
+std::string digits(testing::Chance &random, int count) {
     std::string text;
     for (int each = 0; each < count; ++each) {
         text += static_cast<char>('0' + random() % 10);
@@ -40,7 +40,7 @@ void expectBothAsTheCLibrary(const std::string &text) {
 }
 
 TEST(ShortDecimal, AgreesWithTheCLibraryForAllCountsOfDigits) {
-    std::mt19937_64 random(7);
+    testing::Chance random(7);
     const std::string signs[] = {"", "-", "+"};
     for (int whole = 0; whole <= 40; ++whole) {
         for (int fraction = whole == 0 ? 1 : 0; fraction <= 40; ++fraction) {
@@ -73,7 +73,7 @@ TEST(ShortDecimal, TakesNothingButDigitsForDigits) {
 }
 
 TEST(ShortDecimal, AgreesWithTheCLibraryWithLeadingZeros) {
-    std::mt19937_64 random(8);
+    testing::Chance random(8);
     for (int zeros = 0; zeros <= 30; ++zeros) {
         for (int round = 0; round < 200; ++round) {
             const std::string some(static_cast<std::size_t>(zeros), '0');

@@ -3,8 +3,8 @@
 #include <Pelluvia/text/UTF16.h>
 
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 
 namespace pelluvia {
 namespace {
@@ -81,7 +81,7 @@ TEST(UTF16, FindsThePositionFromTheEnd) {
 }
 
 TEST(UTF16, BothDirectionsAgreeOnRandomBytes) {
-    std::mt19937 random(16);
+    testing::Chance random(16);
     constexpr std::string_view bytes = "aZ*\x80\x8F\x90\x9F\xA0\xBF\xC0\xC2\xDF\xE0\xE2\xED\xF0\xF4"
                                        "\xF5\xFF";
     for (int round = 0; round < 20'000; ++round) {

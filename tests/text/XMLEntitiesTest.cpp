@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
+#include <tests/support/Chance.h>
 
 namespace pelluvia {
 namespace {
@@ -105,7 +106,7 @@ TEST(XMLEntities, TheCutFallsBeforeACharacterThatDoesNotFit) {
 }
 
 TEST(XMLEntities, EveryCutOfRandomBytesIsAStartOfTheWholeText) {
-    std::mt19937 random(5);
+    testing::Chance random(5);
     std::uniform_int_distribution<int> bytes(1, 255);
     for (int round = 0; round < 300; ++round) {
         std::string source;

@@ -9,7 +9,7 @@
 
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <random>
+#include <tests/support/Chance.h>
 #include <utility>
 #include <vector>
 
@@ -35,7 +35,7 @@ void expectSame(const Array &array, const std::vector<Value> &model) {
 }
 
 TEST(ArrayLean, AgreesWithAListOfValues) {
-    std::mt19937_64 random(3);
+    testing::Chance random(3);
     for (int round = 0; round < 300; ++round) {
         Array array;
         std::vector<Value> model;

@@ -8,8 +8,8 @@
 
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 #include <utility>
 #include <vector>
 
@@ -168,7 +168,7 @@ TEST(ContainerRelease, OfWideAndDeepNeedsNoStack) {
 }
 
 TEST(ContainerRelease, OfRandomSharedGraphsFreesAllOfThem) {
-    std::mt19937_64 random(11);
+    testing::Chance random(11);
     const auto below = [&random](std::size_t end) {
         return static_cast<std::size_t>(random() % end);
     };

@@ -10,9 +10,9 @@
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
-#include <random>
 #include <stdexcept>
 #include <string>
+#include <tests/support/Chance.h>
 #include <utility>
 #include <vector>
 
@@ -213,7 +213,7 @@ class Machine {
         models_[to].set("point", Value::wrapping(made));
     }
 
-    std::mt19937_64 random_;
+    testing::Chance random_;
     std::vector<Ref<Dictionary>> dictionaries_;
     std::vector<Model> models_;
 };

@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 #include <utility>
 #include <vector>
 
@@ -134,7 +134,7 @@ TEST(DictionaryEntry, StaysWholeWhileEntriesAreSortedErasedAndMoved) {
         const std::string name = "entry " + std::to_string(i);
         entries.emplace_back(Key(name), i % 2 == 0 ? Value(name) : Value(i));
     }
-    std::mt19937 random(7); // NOLINT(cert-msc51-cpp): the same order in every run
+    testing::Chance random(7);
     std::shuffle(entries.begin(), entries.end(), random);
     std::sort(entries.begin(), entries.end(),
               [](const auto &a, const auto &b) { return a.key.name() < b.key.name(); });

@@ -7,8 +7,8 @@
 #include <Pelluvia/values/Value.h>
 
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 #include <utility>
 #include <vector>
 
@@ -102,7 +102,7 @@ TEST(ValueRelease, OfOneContainerInManyPlacesHappensOnce) {
 }
 
 TEST(ValueRelease, ReachesEveryPartOfATreeOfAnyShape) {
-    std::mt19937 random(20250405); // NOLINT(cert-msc51-cpp): the same trees in every run
+    testing::Chance random(20250405);
     for (int round = 0; round < 200; ++round) {
         const auto watched = Ref<Array>::make();
         std::vector<Value> values;

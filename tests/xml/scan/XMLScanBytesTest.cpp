@@ -7,9 +7,9 @@
 #include <array>
 #include <cstddef>
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
 #include <string_view>
+#include <tests/support/Chance.h>
 #include <vector>
 
 namespace pelluvia::xml::scan {
@@ -142,7 +142,7 @@ TYPED_TEST(ScanBytes, SkipTextsOfAnyCharacters) {
                                                          "&",
                                                          "\x01"};
     constexpr std::size_t rightPieces = 15;
-    std::mt19937 chance(20240504); // the same numbers everywhere
+    testing::Chance chance(20240504);
     for (int round = 0; round < 200'000; ++round) {
         std::string text;
         const std::size_t count = chance() % 40;

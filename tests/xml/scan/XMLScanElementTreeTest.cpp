@@ -7,10 +7,10 @@
 #include <array>
 #include <cstddef>
 #include <gtest/gtest.h>
-#include <random>
 #include <span>
 #include <string>
 #include <string_view>
+#include <tests/support/Chance.h>
 #include <utility>
 #include <vector>
 
@@ -274,7 +274,7 @@ TEST_F(ScanElementTree, AsksWithTheElementsAroundWhereverItWasBefore) {
         tag.name = {.whole = name, .prefix = {}, .local = name};
         return asking.child(parent, tag);
     };
-    std::mt19937 chance(7); // the same numbers everywhere
+    testing::Chance chance(7);
     std::vector<std::pair<Element *, std::string>> known = {{nullptr, ""}};
     for (int i = 0; i < 3000; ++i) {
         const auto [parent, path] = known[chance() % known.size()];
