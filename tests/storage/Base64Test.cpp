@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
+#include <tests/support/Chance.h>
 
 namespace pelluvia::storage {
 namespace {
@@ -21,7 +22,7 @@ TEST(Base64, IsThatOfTheStandard) {
 }
 
 TEST(Base64, IsReadBackAndAgreesWithAnotherOne) {
-    std::mt19937 random(1);
+    testing::Chance random(1);
     std::uniform_int_distribution<unsigned> byte(0, 255);
     for (std::size_t size = 0; size < 300; ++size) {
         Data bytes(size);

@@ -9,8 +9,8 @@
 #include <bit>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 
 namespace pelluvia {
 namespace {
@@ -182,7 +182,7 @@ class RandomCalls {
         }
     }
 
-    std::mt19937_64 random_;
+    testing::Chance random_;
 };
 
 TEST(CallLogRoundTrip, WhatWasWrittenIsWrittenAgainByteForByte) {
@@ -198,7 +198,7 @@ TEST(CallLogRoundTrip, WhatWasWrittenIsWrittenAgainByteForByte) {
 }
 
 TEST(CallLogRoundTrip, A32BitFloatComesBackAsTheSameDigits) {
-    std::mt19937 random(7);
+    testing::Chance random(7);
     const std::string log = writtenLog([&random](CallLogWriter &writer) {
         Dictionary extra;
         for (int i = 0; i < 20'000; ++i) {

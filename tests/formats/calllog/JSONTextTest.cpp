@@ -10,8 +10,8 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 
 namespace pelluvia {
 namespace {
@@ -66,7 +66,7 @@ TEST(JSONText, WhatIsNotFiniteIsAnObject) {
 }
 
 TEST(JSONText, EveryRealReadsBackToTheSameBits) {
-    std::mt19937_64 random(2024);
+    testing::Chance random(2024);
     for (int i = 0; i < 200'000; ++i) {
         const auto value = std::bit_cast<double>(random());
         if (!std::isfinite(value)) {

@@ -11,8 +11,8 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <map>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 
 namespace pelluvia::nmea {
 namespace {
@@ -100,7 +100,7 @@ TEST_F(Corpus, IsReadTheSameWhateverTheSizeOfThePieces) {
 }
 
 TEST_F(Corpus, CanBeDamagedAtWill) {
-    std::mt19937 random(3);
+    testing::Chance random(3);
     for (const auto &entry : std::filesystem::directory_iterator(folder())) {
         const std::string log = readFile(entry.path()).substr(0, 20'000);
         for (int round = 0; round < 10; ++round) {

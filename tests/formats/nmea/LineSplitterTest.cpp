@@ -3,8 +3,8 @@
 #include <Pelluvia/formats/nmea/read/LineSplitter.h>
 
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
+#include <tests/support/Chance.h>
 #include <vector>
 
 namespace pelluvia::nmea {
@@ -68,7 +68,7 @@ TEST(LineSplitter, FindsTheSentenceBehindTenMegabytesWithoutALineEnd) {
 }
 
 TEST(LineSplitter, FindsTheSameLinesHoweverTheBytesCome) {
-    std::mt19937 random(5);
+    testing::Chance random(5);
     constexpr std::string_view alphabet = "$\r\nab*,\0";
     for (int round = 0; round < 300; ++round) {
         std::string text(random() % 60, ' ');

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <random>
 #include <sstream>
+#include <tests/support/Chance.h>
 #include <vector>
 
 namespace pelluvia::nmea {
@@ -71,7 +72,7 @@ class RandomTrack {
         }
     }
 
-    std::mt19937 random_;
+    testing::Chance random_;
     GPSPoint point_;
 };
 
@@ -111,7 +112,7 @@ TEST(RoundTrip, BringsSpeedsBack) {
 }
 
 TEST(RoundTrip, BringsEveryWaypointBackInOrder) {
-    std::mt19937 random(1);
+    testing::Chance random(1);
     std::uniform_real_distribution<double> real(-1.0, 1.0);
     Written written;
     std::vector<GPSPoint> points;
@@ -136,7 +137,7 @@ TEST(RoundTrip, BringsEveryWaypointBackInOrder) {
 }
 
 TEST(RoundTrip, BringsEveryRouteBack) {
-    std::mt19937 random(2);
+    testing::Chance random(2);
     std::uniform_real_distribution<double> real(-1.0, 1.0);
     Written written;
     std::vector<std::vector<GPSPoint>> routes(20);

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
+#include <tests/support/Chance.h>
 #include <utility>
 #include <vector>
 
@@ -183,7 +184,7 @@ std::vector<std::string> textsBetween(const std::string &document, const std::st
 TEST(ConvertNMEA, ADocumentComesBackOverALogToTheResolutionOfSentences) {
     constexpr double resolution =
         0.0005 / 60.0 + 1e-8; // of a minute, and of what GPX is written with
-    std::mt19937 random(20240815);
+    testing::Chance random(20240815);
     std::uniform_real_distribution<double> real(-1.0, 1.0);
     std::string points = "<gpx><trk><trkseg>";
     for (int i = 0; i < 2000; ++i) {
