@@ -31,8 +31,8 @@ struct Seen {
     bool _hasForeignPoints = false;
 };
 
-/// What becomes of an element.
-struct Meaning {
+/// What becomes of an element. The name comes first, as the table reads from it.
+struct Meaning { // NOLINT(clang-analyzer-optin.performance.Padding)
     Name name = Name::Other;
     std::int32_t Seen::*count = nullptr;
     bool Seen::*flag = nullptr;

@@ -226,7 +226,9 @@ bool NMEAWriter::isWritable(const GPSPoint &point) {
     return isOnGlobe(point);
 }
 
-void NMEAWriter::State::writeSentence(std::string_view body) {
+// It changes the file.
+// NOLINTNEXTLINE(readability-make-member-function-const)
+void NMEAWriterState::writeSentence(std::string_view body) {
     // Bodies are ASCII by their making.
     file->write(NMEAUtils::addChecksumToNMEASentence(body).value_or(""));
     file->write("\r\n");

@@ -59,7 +59,7 @@ const Dictionary *unlessEmpty(const Dictionary &extras) noexcept {
 
 /// The member of a row of `gpxTable::values`.
 template <std::size_t position>
-[[nodiscard]] constexpr auto memberOf() noexcept {
+[[nodiscard]] consteval auto memberOf() {
     return std::get<gpxTable::values[position].field.index()>(gpxTable::values[position].field);
 }
 

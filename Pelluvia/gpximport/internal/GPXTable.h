@@ -263,14 +263,18 @@ inline constexpr Positions atEnd = positionsAtEnd();
     return elements[positionAtEnd(space, name)];
 }
 
-/// The value that a text goes to; null for none, and for altitude and time.
-[[nodiscard]] constexpr const CollectedValue *valueOf(const Field &field) noexcept {
-    for (const CollectedValue &each : values) {
-        if (each.field == field) {
-            return &each;
+/// The value that the text of each element goes to, in the order of `elements`; null for none, and
+/// for altitude and time.
+inline constexpr auto valuesOfElements = [] {
+    std::array<const CollectedValue *, elements.size()> found{};
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        for (const CollectedValue &each : values) {
+            if (each.field == elements[i].text) {
+                found[i] = &each;
+            }
         }
     }
-    return nullptr;
-}
+    return found;
+}();
 
 } // namespace pelluvia::gpxTable

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <variant>
@@ -62,8 +63,9 @@ inline constexpr std::int32_t noPoint = 0;
 [[nodiscard]] inline bool isForOtherPoints(const XMLElement &element,
                                            std::span<const XMLElement> around,
                                            std::int32_t kind) noexcept {
-    const gpxTable::Field &text =
-        gpxTable::endOf(gpxVocabulary::namespaceOf(element), gpxVocabulary::nameOf(element)).text;
+    const std::size_t position = gpxTable::positionAtEnd(gpxVocabulary::namespaceOf(element),
+                                                         gpxVocabulary::nameOf(element));
+    const gpxTable::Field &text = gpxTable::elements[position].text;
     if (std::holds_alternative<gpxTable::Nowhere>(text)) {
         return false;
     }
@@ -71,7 +73,7 @@ inline constexpr std::int32_t noPoint = 0;
         // In a track point it is no error. In others it may be one, behind a point of their kind.
         return isInOtherPoint(around, kind) && kindOfPoint(around.back()) == transferKind::tracks;
     }
-    const gpxTable::CollectedValue *const value = gpxTable::valueOf(text);
+    const gpxTable::CollectedValue *const value = gpxTable::valuesOfElements[position];
     if (value == nullptr) { // a time
         return isInOtherPoint(around, kind);
     }
