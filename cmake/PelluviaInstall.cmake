@@ -43,6 +43,19 @@ foreach(component formats storage)
         list(APPEND pc_files pelluvia-${component})
     endif()
 endforeach()
+# Who links static libraries links what they use, too.
+set(package_dependencies "")
+if(NOT BUILD_SHARED_LIBS)
+    set(package_dependencies [[
+include(CMakeFindDependencyMacro)
+find_dependency(LibXml2)
+find_dependency(Threads)
+if("storage" IN_LIST Pelluvia_FIND_COMPONENTS)
+    find_dependency(PkgConfig)
+    pkg_check_modules(GIO REQUIRED IMPORTED_TARGET gio-2.0)
+endif()
+]])
+endif()
 configure_package_config_file(
     ${CMAKE_CURRENT_LIST_DIR}/PelluviaConfig.cmake.in ${PROJECT_BINARY_DIR}/PelluviaConfig.cmake
     INSTALL_DESTINATION ${package_folder})

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 
 # The library or program FILE is as hard to misuse as the build says: its table of functions is read-only
-# before it runs, its stack is guarded, and calls of the C library are checked; with RUNPATH_ONLY it is
-# only seen to that it looks for libraries nowhere but beside itself.
+# before it runs, its stack is guarded and, with CHECKED_CALLS, calls of the C library are checked; with
+# RUNPATH_ONLY it is only seen to that it looks for libraries nowhere but beside itself.
 cmake_minimum_required(VERSION 3.22)
 include(${CMAKE_CURRENT_LIST_DIR}/Support.cmake)
 
@@ -29,7 +29,11 @@ if(NOT output MATCHES "GNU_RELRO")
     message(SEND_ERROR "has no read-only relocations:\n${output}")
 endif()
 run(${NM} -D --undefined-only ${FILE})
-foreach(guard __stack_chk_fail __[a-z]+_chk)
+set(guards __stack_chk_fail)
+if(CHECKED_CALLS)
+    list(APPEND guards __[a-z]+_chk)
+endif()
+foreach(guard IN LISTS guards)
     if(NOT output MATCHES " ${guard}@")
         message(SEND_ERROR "does not use ${guard}:\n${output}")
     endif()

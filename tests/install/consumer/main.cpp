@@ -15,7 +15,7 @@ int main(int argc, char *argv[]) {
         return 1;
     }
     Dictionary track;
-    track.set(extras::name, Value("Morning ride"));
+    track.set(extras::name, "Morning ride");
     Dictionary sample;
     sample.set(extras::hr, Value(121)); // beats a minute
 
