@@ -37,7 +37,7 @@ struct Column {
 /// Adds whole stripes.
 void ContentDigest::addStripes(const char *bytes, std::size_t count) noexcept {
     static_assert(laneCount == 8);
-    Column a(&sums_[0], &weighted_[0]);
+    Column a(sums_.data(), weighted_.data());
     Column b(&sums_[2], &weighted_[2]);
     Column c(&sums_[4], &weighted_[4]);
     Column d(&sums_[6], &weighted_[6]);
@@ -47,7 +47,7 @@ void ContentDigest::addStripes(const char *bytes, std::size_t count) noexcept {
         c.add(bytes + 32);
         d.add(bytes + 48);
     }
-    a.store(&sums_[0], &weighted_[0]);
+    a.store(sums_.data(), weighted_.data());
     b.store(&sums_[2], &weighted_[2]);
     c.store(&sums_[4], &weighted_[4]);
     d.store(&sums_[6], &weighted_[6]);

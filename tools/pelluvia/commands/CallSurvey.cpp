@@ -15,7 +15,7 @@ std::int32_t next(std::int32_t count) {
     return count < std::numeric_limits<std::int32_t>::max() ? count + 1 : count;
 }
 
-bool hasText(const Dictionary *extra, Key key) {
+bool hasText(const Dictionary *extra, const Key &key) {
     return extra != nullptr && extra->string(key).has_value();
 }
 
