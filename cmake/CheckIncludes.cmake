@@ -31,9 +31,15 @@ set(framework ${basis} Pelluvia/xml Pelluvia/model)
 row(Pelluvia/values Pelluvia/model/KnownKeys.h)
 row(Pelluvia/system Pelluvia/values OUTSIDE ${posix})
 row(Pelluvia/text Pelluvia/values Pelluvia/system)
-row(Pelluvia/xml Pelluvia/values Pelluvia/system OUTSIDE ${posix} ^libxml/)
-row(Pelluvia/xml/internal/sax2 Pelluvia/values Pelluvia/system Pelluvia/xml OUTSIDE ^libxml/)
-row(Pelluvia/xml/internal/scan Pelluvia/values Pelluvia/system Pelluvia/xml OUTSIDE ^emmintrin.h$)
+# The parser knows its engines, never the other way: they see what both tell of (errors, limits, events).
+set(parser_terms Pelluvia/xml/XMLErrors.h Pelluvia/xml/XMLLimits.h)
+row(Pelluvia/xml Pelluvia/values)
+row(Pelluvia/xml/internal Pelluvia/values Pelluvia/system ${parser_terms} OUTSIDE ${posix})
+row(Pelluvia/xml/internal/sax2
+    Pelluvia/values Pelluvia/xml/internal ${parser_terms} Pelluvia/xml/XMLParserDelegate.h OUTSIDE ^libxml/)
+row(Pelluvia/xml/internal/scan
+    Pelluvia/values Pelluvia/xml/internal ${parser_terms} Pelluvia/xml/XMLParserDelegate.h
+    OUTSIDE ^emmintrin.h$)
 row(Pelluvia/model ${basis} OUTSIDE ${c_types}) # for C, too
 row(Pelluvia/gpximport ${framework})
 row(Pelluvia/gpxwriter ${basis} Pelluvia/model OUTSIDE ${c_types}) # for C, too

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <memory>
 #include <new>
-#include <stdexcept>
 #include <string_view>
 
 namespace pelluvia {
@@ -19,9 +18,8 @@ int setEntry(Dictionary *dictionary, const char *key, Given given) noexcept {
         return EINVAL;
     }
     try {
-        dictionary->set(Key(key), Value(given));
-        return 0;
-    } catch (const std::exception &) { // no memory, or too many entries
+        return dictionary->set(Key(key), Value(given)) ? 0 : ENOMEM;
+    } catch (const std::bad_alloc &) {
         return ENOMEM;
     }
 }

@@ -120,10 +120,6 @@ class PELLUVIA_EXPORT GPXExporter final : public GPSOutputReceiver,
     /// document. Output is buffered: only once the document is closed is the answer final.
     [[nodiscard]] std::error_code writeFailure() const noexcept;
 
-    /// Writes what is still buffered, so that who reads the file along has all that was sent. The
-    /// document is not complete by that. Returns `writeFailure()`.
-    std::error_code flush();
-
     // GPSOutputReceiver
     void newTrackSegment() override;
     void newTrack(const Dictionary *extra) override;

@@ -4,6 +4,8 @@
 
 #ifdef __cplusplus
 
+#include <Pelluvia/values/RecordEncoding.h>
+
 #include <cstddef>
 #include <cstdint>
 

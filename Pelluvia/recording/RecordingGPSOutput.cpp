@@ -21,14 +21,17 @@ Dictionary *lastPointOf(const Ref<Dictionary> &open) noexcept {
     return points != nullptr && !points->empty() ? points->dictionary(points->size() - 1) : nullptr;
 }
 
-void append(RecorderState &state, Value object, const Key &key) {
+/// See `appendArrayData`.
+bool append(RecorderState &state, Value object, const Key &key) {
     if (!state.receivedData) {
         state.receivedData = Ref<Dictionary>::make();
     }
-    if (state.receivedData->array(key) == nullptr) {
-        state.receivedData->set(key, Value(Ref<Array>::make()));
+    Dictionary &data = *state.receivedData;
+    if (data.array(key) == nullptr && !data.set(key, Ref<Array>::make())) {
+        return false;
     }
-    state.receivedData->array(key)->append(std::move(object));
+    data.array(key)->append(std::move(object));
+    return true;
 }
 
 /// Appends the open track or route, if there is one, which is open no longer then.
@@ -127,8 +130,8 @@ Dictionary *RecordingGPSOutput::lastRoutePoint() const noexcept {
     return lastPointOf(state_->routeData);
 }
 
-void RecordingGPSOutput::appendArrayData(Value object, const Key &key) {
-    append(*state_, std::move(object), key);
+bool RecordingGPSOutput::appendArrayData(Value object, const Key &key) {
+    return append(*state_, std::move(object), key);
 }
 
 void RecordingGPSOutput::newTrack(const Dictionary *extra) {

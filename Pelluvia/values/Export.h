@@ -14,3 +14,12 @@
 #define PELLUVIA_EXPORT
 #define PELLUVIA_HIDDEN
 #endif
+
+/// In headers that are C, too: a function whose result must be used.
+#if defined(__cplusplus)
+#define PELLUVIA_NODISCARD [[nodiscard]]
+#elif defined(__GNUC__)
+#define PELLUVIA_NODISCARD __attribute__((warn_unused_result))
+#else
+#define PELLUVIA_NODISCARD
+#endif

@@ -9,7 +9,15 @@ include(${CMAKE_CURRENT_LIST_DIR}/Support.cmake)
 
 write_all_headers(${WORK}/all.h)
 set(flags -std=c++20 -I${INCLUDEDIR})
-run(${COMPILER} ${flags} -O0 -fkeep-inline-functions -x c++ -c ${WORK}/all.h -o ${WORK}/inline.o)
+file(WRITE ${WORK}/inline.cpp "#include \"all.h\"
+// Templates are inline functions, too.
+template pelluvia::Value pelluvia::Value::wrapping(const pelluvia::GPSPoint &);
+template const pelluvia::GPSPoint *pelluvia::Value::unwrap() const noexcept;
+template pelluvia::Ref<pelluvia::Dictionary>
+pelluvia::Dictionary::wrapping(const pelluvia::GPSPoint &, const pelluvia::Dictionary *);
+")
+run(${COMPILER} ${flags} -I${WORK} -O0 -fkeep-inline-functions -c ${WORK}/inline.cpp
+    -o ${WORK}/inline.o)
 run(${NM} --undefined-only -p ${WORK}/inline.o)
 string(REGEX MATCHALL "_ZN[A-Za-z0-9_]+" needed "${output}")
 
@@ -39,9 +47,8 @@ foreach(symbol name IN ZIP_LISTS mangled readable)
     endif()
 endforeach()
 list(REMOVE_DUPLICATES names)
-list(LENGTH names count)
-if(count LESS 10 AND NOT LIBRARY MATCHES "storage")
-    message(FATAL_ERROR "only ${count} names were found in ${LIBRARY}")
+if(NOT names)
+    message(FATAL_ERROR "no names were found in ${LIBRARY}")
 endif()
 
 set(source "#include \"all.h\"\n")
@@ -56,5 +63,5 @@ string(REGEX MATCHALL
     "error: [^\n]*(is private|is protected|private member|protected member|not a member|no member|incomplete|not been declared|undeclared)[^\n]*"
     faults "${messages}")
 foreach(fault IN LISTS faults)
-    message(SEND_ERROR "shown, and of no use to others: ${fault}")
+    message(SEND_ERROR "shown, and of no use to others:\n  ${fault}")
 endforeach()

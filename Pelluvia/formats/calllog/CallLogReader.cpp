@@ -163,8 +163,8 @@ ErrorPtr badLine(std::int64_t line, CallLineFault fault, const std::string &path
 
 } // namespace
 
-struct CallLogReader::State {
-    explicit State(GPSOutputReceiver &target) noexcept : receiver(target) {}
+struct CallLogReaderState {
+    explicit CallLogReaderState(GPSOutputReceiver &target) noexcept : receiver(target) {}
 
     GPSOutputReceiver &receiver;
     std::stop_token stopToken;
@@ -176,7 +176,7 @@ struct CallLogReader::State {
 };
 
 CallLogReader::CallLogReader(GPSOutputReceiver &receiver)
-    : state_(std::make_unique<State>(receiver)) {}
+    : state_(std::make_unique<CallLogReaderState>(receiver)) {}
 CallLogReader::~CallLogReader() = default;
 
 void CallLogReader::setStopToken(std::stop_token token) {
@@ -209,14 +209,14 @@ ErrorPtr CallLogReader::processText(std::string_view log) {
     return state_->process(lines, "");
 }
 
-ErrorPtr CallLogReader::State::processDescriptor(int descriptor, const std::string &path) {
+ErrorPtr CallLogReaderState::processDescriptor(int descriptor, const std::string &path) {
     progress = formats::SourceProgress(descriptor);
     const formats::SourceWait wait(-1, stopToken, sourcePaused);
     LineReader lines(descriptor, callLogLimits::lineSize, wait, progress);
     return process(lines, path);
 }
 
-ErrorPtr CallLogReader::State::process(LineSource &lines, const std::string &path) {
+ErrorPtr CallLogReaderState::process(LineSource &lines, const std::string &path) {
     formats::StoppableReceiver stoppable(receiver, stopToken);
     CallLine call;
     std::string_view text;

@@ -15,6 +15,8 @@
 
 namespace pelluvia {
 
+struct CallLogReaderState; // internal
+
 /// The keys of the user information of an error of `CallLogReader`: where in the log it is
 /// (integers). The line counts from 1. The column counts bytes, from 1, and is there where the JSON
 /// is wrong.
@@ -75,8 +77,7 @@ class PELLUVIA_EXPORT CallLogReader {
     [[nodiscard]] ReadingProgress readingProgress() const;
 
   private:
-    struct State;
-    std::unique_ptr<State> state_;
+    std::unique_ptr<CallLogReaderState> state_;
 };
 
 /// Whether a file that begins with these bytes is likely to be a call log: whether its first line

@@ -2,17 +2,19 @@
 
 #include <Pelluvia/formats/calllog/CallLogWriter.h>
 
+#include <Pelluvia/formats/calllog/internal/CallLogText.h>
+
+#include <Pelluvia/model/ReceiverObservers.h>
+
 namespace pelluvia {
 
-struct CallLogWriter::State {
-    explicit State(std::unique_ptr<OutputFile> target) : file(std::move(target)), text(*file) {}
+struct CallLogWriterState {
+    explicit CallLogWriterState(std::unique_ptr<OutputFile> target)
+        : file(std::move(target)), text(*file) {}
 
     std::unique_ptr<OutputFile> file;
     CallLogText text;
-    MessageTarget<Report> errorObject;
-    std::shared_ptr<GPXExporterProgress> progress;
-    int transferKind = 0;
-    int itemCount = 0;
+    ReceiverObservers<CallLogWriter> observers;
 
     // Each writes `beginning`, the line up to an argument, and from that argument to the line's
     // end.
@@ -21,7 +23,6 @@ struct CallLogWriter::State {
     void writeDictionary(std::string_view beginning, const Dictionary *extra);
     void writeInteger(std::string_view beginning, int value);
     void writeReport(std::string_view beginning, const Report &report);
-    void countPoint();
 };
 
 std::shared_ptr<CallLogWriter> CallLogWriter::initWithPath(const std::string &path,
@@ -31,14 +32,14 @@ std::shared_ptr<CallLogWriter> CallLogWriter::initWithPath(const std::string &pa
 }
 
 CallLogWriter::CallLogWriter(std::unique_ptr<OutputFile> file)
-    : state_(std::make_unique<State>(std::move(file))) {}
+    : state_(std::make_unique<CallLogWriterState>(std::move(file))) {}
 CallLogWriter::~CallLogWriter() = default;
 
 void CallLogWriter::setErrorObject(MessageTarget<Report> target) {
-    state_->errorObject = std::move(target);
+    state_->observers.setErrorObject(std::move(target));
 }
 void CallLogWriter::setProgress(std::shared_ptr<GPXExporterProgress> progress) {
-    state_->progress = std::move(progress);
+    state_->observers.setProgress(std::move(progress));
 }
 
 std::error_code CallLogWriter::flush() {
@@ -64,18 +65,18 @@ void CallLogWriter::newRoute(const Dictionary *extra) {
 }
 
 void CallLogWriter::trackPoint(GPSPoint point, const Dictionary *extra) {
-    writePointCall(R"({"call":"trackPoint:extra:","point":)", point, extra);
-    observers_.countItem();
+    state_->writePointCall(R"({"call":"trackPoint:extra:","point":)", point, extra);
+    state_->observers.countItem();
 }
 
 void CallLogWriter::wayPoint(GPSPoint point, const Dictionary *extra) {
-    writePointCall(R"({"call":"wayPoint:extra:","point":)", point, extra);
-    observers_.countItem();
+    state_->writePointCall(R"({"call":"wayPoint:extra:","point":)", point, extra);
+    state_->observers.countItem();
 }
 
 void CallLogWriter::routePoint(GPSPoint point, const Dictionary *extra) {
-    writePointCall(R"({"call":"routePoint:extra:","point":)", point, extra);
-    observers_.countItem();
+    state_->writePointCall(R"({"call":"routePoint:extra:","point":)", point, extra);
+    state_->observers.countItem();
 }
 
 void CallLogWriter::poiPoint(GPSPoint point, const Dictionary *extra) {
@@ -91,9 +92,9 @@ void CallLogWriter::lapInfoStart(GPSPoint start, GPSPoint end, const Dictionary 
 }
 
 void CallLogWriter::startTransfer(const void * /*sender*/, int kind, const Dictionary *extra) {
-    writeStartCall(R"({"call":"startTransfer:kind:extra:","kind":)", kind, extra);
+    state_->writeStartCall(R"({"call":"startTransfer:kind:extra:","kind":)", kind, extra);
     const auto self = weak_from_this().lock(); // the observer may let go of the last reference
-    observers_.tellStart(kind, extra);
+    state_->observers.tellStart(kind, extra);
 }
 
 void CallLogWriter::endTransfer(int kind) {
@@ -133,37 +134,37 @@ void CallLogWriter::endSending(int kind) {
     state_->writeInteger(R"({"call":"endSending:","kind":)", kind);
 }
 
-void CallLogWriter::State::writePointCall(std::string_view beginning, const GPSPoint &point,
-                                          const Dictionary *extra) {
+void CallLogWriterState::writePointCall(std::string_view beginning, const GPSPoint &point,
+                                        const Dictionary *extra) {
     text.raw(beginning);
     text.point(point);
     writeDictionary(R"(,"extra":)", extra);
 }
 
-void CallLogWriter::State::writeStartCall(std::string_view beginning, int kind,
-                                          const Dictionary *extra) {
+void CallLogWriterState::writeStartCall(std::string_view beginning, int kind,
+                                        const Dictionary *extra) {
     text.raw(beginning);
     text.integer(kind);
     writeDictionary(R"(,"extra":)", extra);
 }
 
-void CallLogWriter::State::writeDictionary(std::string_view beginning, const Dictionary *extra) {
+void CallLogWriterState::writeDictionary(std::string_view beginning, const Dictionary *extra) {
     text.raw(beginning);
     text.dictionary(extra);
     text.raw("}\n");
 }
 
-void CallLogWriter::State::writeInteger(std::string_view beginning, int value) {
+void CallLogWriterState::writeInteger(std::string_view beginning, int value) {
     text.raw(beginning);
     text.integer(value);
     text.raw("}\n");
 }
 
-void CallLogWriter::writeReport(std::string_view beginning, const Report &report) {
-    text_.raw(beginning);
-    text_.report(report);
-    text_.raw("}\n");
-    observers_.report(report);
+void CallLogWriterState::writeReport(std::string_view beginning, const Report &report) {
+    text.raw(beginning);
+    text.report(report);
+    text.raw("}\n");
+    observers.report(report);
 }
 
 } // namespace pelluvia

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <Pelluvia/model/GPSOutputReceiver.h>
-#include <Pelluvia/model/ReceiverObservers.h>
+#include <Pelluvia/model/GPXExporterProgress.h>
 #include <Pelluvia/system/OutputFile.h>
 #include <Pelluvia/values/Export.h>
 #include <Pelluvia/values/MessageTarget.h>
@@ -15,6 +15,8 @@
 #include <utility>
 
 namespace pelluvia {
+
+struct CallLogWriterState; // internal
 
 /// A receiver that writes every call as one line of JSON, in order (see docs/call-log.md). It adds
 /// nothing and leaves no call out: `CallLogReader` makes the same calls again from what it wrote,
@@ -36,7 +38,8 @@ namespace pelluvia {
 /// the end of this object, which does not tell whether that worked.
 ///
 /// Threads: as for any receiver.
-class CallLogWriter : public GPSOutputReceiver, public std::enable_shared_from_this<CallLogWriter> {
+class PELLUVIA_EXPORT CallLogWriter : public GPSOutputReceiver,
+                                      public std::enable_shared_from_this<CallLogWriter> {
   public:
     /// A writer to a new file at the path (see `OutputFile::open`); null when it cannot be opened,
     /// `error` then says why.
@@ -49,18 +52,11 @@ class CallLogWriter : public GPSOutputReceiver, public std::enable_shared_from_t
     ~CallLogWriter() override;
 
     /// Who is told, on the main thread, of each `warning` and `error`: an object and its method, or
-    /// a lambda (see MessageTarget.h). Null: nobody.
-    void setErrorObject(MessageTarget<Report> target) {
-        observers_.setErrorObject(std::move(target));
-    }
+    /// a lambda (see MessageTarget.h); null: nobody.
+    void setErrorObject(MessageTarget<Report> target);
     template <class Object, class Method>
     void setErrorObject(Object object, Method andSelector) {
         setErrorObject({std::move(object), std::move(andSelector)});
-    }
-    /// Who is told of the progress of transfers: of track points, waypoints and route points. Null:
-    /// nobody.
-    void setProgress(std::shared_ptr<GPXExporterProgress> progress) {
-        observers_.setProgress(std::move(progress));
     }
     /// Who is told of the progress of transfers: of track points, waypoints and route points. Held
     /// until replaced; null: nobody.
@@ -94,17 +90,7 @@ class CallLogWriter : public GPSOutputReceiver, public std::enable_shared_from_t
     void endSending(int kind) override;
 
   private:
-    // Each writes `beginning`, the line up to an argument, and from that argument to the line's
-    // end.
-    void writePointCall(std::string_view beginning, const GPSPoint &point, const Dictionary *extra);
-    void writeStartCall(std::string_view beginning, int kind, const Dictionary *extra);
-    void writeDictionary(std::string_view beginning, const Dictionary *extra);
-    void writeInteger(std::string_view beginning, int value);
-    void writeReport(std::string_view beginning, const Report &report);
-
-    std::unique_ptr<OutputFile> file_;
-    CallLogText text_;
-    ReceiverObservers<CallLogWriter> observers_;
+    std::unique_ptr<CallLogWriterState> state_;
 };
 
 } // namespace pelluvia

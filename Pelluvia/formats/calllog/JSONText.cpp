@@ -43,6 +43,33 @@ constexpr auto standsForItself = [] {
     return table;
 }();
 
+/// A character that cannot stand for itself.
+void writeEscaped(OutputFile &file, char character) {
+    switch (character) {
+    case '"':
+        return file.write("\\\"");
+    case '\\':
+        return file.write("\\\\");
+    case '\b':
+        return file.write("\\b");
+    case '\f':
+        return file.write("\\f");
+    case '\n':
+        return file.write("\\n");
+    case '\r':
+        return file.write("\\r");
+    case '\t':
+        return file.write("\\t");
+    default:
+        break;
+    }
+    constexpr std::string_view digits = "0123456789abcdef";
+    const auto byte = static_cast<unsigned char>(character);
+    const std::array<char, 6> escaped = {
+        '\\', 'u', '0', '0', digits[byte >> 4], digits[byte & 0x0F]};
+    file.write({escaped.data(), escaped.size()});
+}
+
 } // namespace
 
 char *JSONText::writeReal(char *out, double value) noexcept {
@@ -82,38 +109,12 @@ void JSONText::string(std::string_view text) {
         if (byte >= 0x80) {
             raw(replacement);
         } else {
-            escape(text[position]);
+            writeEscaped(file_, text[position]);
         }
         start = ++position;
     }
     raw(text.substr(start));
     raw("\"");
-}
-
-void JSONText::escape(char character) {
-    switch (character) {
-    case '"':
-        return raw("\\\"");
-    case '\\':
-        return raw("\\\\");
-    case '\b':
-        return raw("\\b");
-    case '\f':
-        return raw("\\f");
-    case '\n':
-        return raw("\\n");
-    case '\r':
-        return raw("\\r");
-    case '\t':
-        return raw("\\t");
-    default:
-        break;
-    }
-    constexpr std::string_view digits = "0123456789abcdef";
-    const auto byte = static_cast<unsigned char>(character);
-    const std::array<char, 6> escaped = {
-        '\\', 'u', '0', '0', digits[byte >> 4], digits[byte & 0x0F]};
-    raw({escaped.data(), escaped.size()});
 }
 
 } // namespace pelluvia

@@ -47,8 +47,6 @@ class PELLUVIA_EXPORT JSONText {
     [[nodiscard]] static char *writeReal(char *out, double value) noexcept;
 
   private:
-    void escape(char character);
-
     OutputFile &file_;
 };
 

@@ -119,12 +119,12 @@ bool isSurelySentence(std::string_view line) {
 
 } // namespace
 
-struct NMEADriver::State {
-    explicit State(GPSOutputReceiver &target) noexcept : receiver(target) {}
+struct NMEADriverState {
+    explicit NMEADriverState(GPSOutputReceiver &target) noexcept : receiver(target) {}
 
     GPSOutputReceiver &receiver;
     nmea::DecoderOptions options;
-    long baudRate = standardBaudRate;
+    long baudRate = NMEADriver::standardBaudRate;
     std::stop_token stopToken;
     int endDescriptor = -1;
     std::function<void()> sourcePaused;
@@ -139,7 +139,8 @@ struct NMEADriver::State {
     ErrorPtr finish(Run &run, NMEAEnding how);
 };
 
-NMEADriver::NMEADriver(GPSOutputReceiver &receiver) : state_(std::make_unique<State>(receiver)) {}
+NMEADriver::NMEADriver(GPSOutputReceiver &receiver)
+    : state_(std::make_unique<NMEADriverState>(receiver)) {}
 NMEADriver::~NMEADriver() = default;
 
 void NMEADriver::setDay(std::optional<std::int64_t> day) noexcept {
@@ -218,7 +219,7 @@ ErrorPtr NMEADriver::processText(std::string_view log) {
     return state_->finish(run, NMEAEnding::Complete);
 }
 
-ErrorPtr NMEADriver::State::process(Input &input, const std::string &path) {
+ErrorPtr NMEADriverState::process(Input &input, const std::string &path) {
     Run run(receiver, stopToken, options);
     progress = SourceProgress(input.descriptor());
     const NMEAEnding how = decode(input, run);
@@ -236,7 +237,7 @@ ErrorPtr NMEADriver::State::process(Input &input, const std::string &path) {
 }
 
 /// Decodes until nothing comes any more; says why.
-NMEAEnding NMEADriver::State::decode(Input &input, Run &run) {
+NMEAEnding NMEADriverState::decode(Input &input, Run &run) {
     std::optional<nmea::LiveView> view;
     if (writeStatus && input.isLive()) {
         view.emplace(writeStatus);
@@ -262,7 +263,7 @@ NMEAEnding NMEADriver::State::decode(Input &input, Run &run) {
 }
 
 /// The error of a stop, or null.
-ErrorPtr NMEADriver::State::finish(Run &run, NMEAEnding how) {
+ErrorPtr NMEADriverState::finish(Run &run, NMEAEnding how) {
     run.finish();
     tally = run.tally();
     const bool wasStopped = run.calls().wasStopped();

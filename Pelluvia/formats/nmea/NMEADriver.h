@@ -19,6 +19,8 @@
 
 namespace pelluvia {
 
+struct NMEADriverState; // internal
+
 /// How reading a source came to its end.
 enum class NMEAEnding : std::uint8_t {
     Complete,    ///< the source ended
@@ -130,8 +132,7 @@ class PELLUVIA_EXPORT NMEADriver {
     [[nodiscard]] ReadingProgress readingProgress() const;
 
   private:
-    struct State;
-    std::unique_ptr<State> state_;
+    std::unique_ptr<NMEADriverState> state_;
 };
 
 /// Whether a file that begins with these bytes is likely to be a log of NMEA 0183: whether there is

@@ -7,10 +7,13 @@
 #include <Pelluvia/formats/nmea/write/RouteSentences.h>
 
 #include <Pelluvia/model/ExtrasKeys.h>
+#include <Pelluvia/model/ReceiverObservers.h>
 #include <Pelluvia/model/TransferKind.h>
 #include <Pelluvia/nmea/NMEAUtils.h>
-#include <Pelluvia/system/MainThread.h>
 
+#include <optional>
+#include <string_view>
+#include <vector>
 
 namespace pelluvia {
 
@@ -67,20 +70,17 @@ std::string textOf(const NMEAOmissions &omissions) {
     return text;
 }
 
-struct NMEAWriter::State {
+struct NMEAWriterState {
     /// The route that is open.
     struct Route {
         std::string identifier;
         std::vector<std::string> names;
     };
 
-    explicit State(std::unique_ptr<OutputFile> target) : file(std::move(target)) {}
+    explicit NMEAWriterState(std::unique_ptr<OutputFile> target) : file(std::move(target)) {}
 
     std::unique_ptr<OutputFile> file;
-    MessageTarget<Report> errorObject;
-    std::shared_ptr<GPXExporterProgress> progress;
-    int transferKind = 0;
-    int itemCount = 0;
+    ReceiverObservers<NMEAWriter> observers;
     NameTable waypointNames{"WP"};
     NameTable routeNames{"ROUTE"};
     std::int64_t routes = 0;
@@ -90,7 +90,6 @@ struct NMEAWriter::State {
     void writeSentence(std::string_view body);
     void writePlace(const GPSPoint &point, const Dictionary *extra, bool isInRoute);
     void endRoute();
-    void countPoint();
     [[nodiscard]] bool isWritable(const GPSPoint &point);
 };
 
@@ -101,14 +100,14 @@ std::shared_ptr<NMEAWriter> NMEAWriter::initWithPath(const std::string &path,
 }
 
 NMEAWriter::NMEAWriter(std::unique_ptr<OutputFile> file)
-    : state_(std::make_unique<State>(std::move(file))) {}
+    : state_(std::make_unique<NMEAWriterState>(std::move(file))) {}
 NMEAWriter::~NMEAWriter() = default;
 
 void NMEAWriter::setErrorObject(MessageTarget<Report> target) {
-    state_->errorObject = std::move(target);
+    state_->observers.setErrorObject(std::move(target));
 }
 void NMEAWriter::setProgress(std::shared_ptr<GPXExporterProgress> progress) {
-    state_->progress = std::move(progress);
+    state_->observers.setProgress(std::move(progress));
 }
 
 std::error_code NMEAWriter::flush() {
@@ -135,7 +134,7 @@ void NMEAWriter::newRoute(const Dictionary *extra) {
     const std::string identity = std::to_string(++state_->routes);
     NameTable::Entry entry = state_->routeNames.nameFor(routeNameIn(extra), identity);
     state_->omissions.names += entry.isBeyond ? 1 : 0;
-    state_->route = State::Route{std::move(entry.name), {}};
+    state_->route = NMEAWriterState::Route{std::move(entry.name), {}};
 }
 
 void NMEAWriter::trackPoint(GPSPoint point, const Dictionary *extra) {
@@ -149,22 +148,22 @@ void NMEAWriter::trackPoint(GPSPoint point, const Dictionary *extra) {
         state_->omissions.values += point.altitude != 0.0 && !isAltitude(point.altitude) ? 1 : 0;
         state_->omissions.values += speed && !isSpeed(*speed) ? 1 : 0;
     }
-    observers_.countItem();
+    state_->observers.countItem();
 }
 
 void NMEAWriter::wayPoint(GPSPoint point, const Dictionary *extra) {
-    writePlace(point, extra, route_.has_value());
-    observers_.countItem();
+    state_->writePlace(point, extra, state_->route.has_value());
+    state_->observers.countItem();
 }
 
 void NMEAWriter::routePoint(GPSPoint point, const Dictionary *extra) {
     if (state_->route) {
         state_->writePlace(point, extra, true);
     }
-    observers_.countItem();
+    state_->observers.countItem();
 }
 
-void NMEAWriter::State::writePlace(const GPSPoint &point, const Dictionary *extra, bool isInRoute) {
+void NMEAWriterState::writePlace(const GPSPoint &point, const Dictionary *extra, bool isInRoute) {
     if (!isWritable(point)) {
         return;
     }
@@ -183,7 +182,7 @@ void NMEAWriter::State::writePlace(const GPSPoint &point, const Dictionary *extr
     }
 }
 
-void NMEAWriter::State::endRoute() {
+void NMEAWriterState::endRoute() {
     if (!route) {
         return;
     }
@@ -195,20 +194,20 @@ void NMEAWriter::State::endRoute() {
 
 void NMEAWriter::startTransfer(const void * /*sender*/, int kind, const Dictionary *extra) {
     const auto self = weak_from_this().lock(); // the observer may let go of the last reference
-    observers_.tellStart(kind, extra);
+    state_->observers.tellStart(kind, extra);
 }
 
 void NMEAWriter::endTransfer(int kind) {
     const auto self = weak_from_this().lock();
-    observers_.tellEnd(kind);
-    observers_.resetCount();
+    state_->observers.tellEnd(kind);
+    state_->observers.resetCount();
     if (kind == transferKind::routes) {
         state_->endRoute();
     }
 }
 
 void NMEAWriter::warning(const Report &object) {
-    observers_.report(object);
+    state_->observers.report(object);
 }
 
 void NMEAWriter::error(const Report &error) {
@@ -221,8 +220,8 @@ void NMEAWriter::gpsStateChange(int state) {
     }
 }
 
-bool NMEAWriter::isWritable(const GPSPoint &point) {
-    omissions_.points += isOnGlobe(point) ? 0 : 1;
+bool NMEAWriterState::isWritable(const GPSPoint &point) {
+    omissions.points += isOnGlobe(point) ? 0 : 1;
     return isOnGlobe(point);
 }
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <Pelluvia/model/GPSOutputReceiver.h>
-#include <Pelluvia/model/ReceiverObservers.h>
+#include <Pelluvia/model/GPXExporterProgress.h>
 #include <Pelluvia/system/OutputFile.h>
 #include <Pelluvia/values/Export.h>
 #include <Pelluvia/values/MessageTarget.h>
@@ -15,6 +15,8 @@
 #include <utility>
 
 namespace pelluvia {
+
+struct NMEAWriterState; // internal
 
 /// What `NMEAWriter` left out or changed, since the format cannot hold it.
 struct NMEAOmissions {
@@ -61,7 +63,8 @@ struct NMEAOmissions {
 /// fields for it.
 ///
 /// Threads: as for any receiver.
-class NMEAWriter : public GPSOutputReceiver, public std::enable_shared_from_this<NMEAWriter> {
+class PELLUVIA_EXPORT NMEAWriter : public GPSOutputReceiver,
+                                   public std::enable_shared_from_this<NMEAWriter> {
   public:
     /// A writer to a new file at the path (see `OutputFile::open`); null when it cannot be opened,
     /// `error` then says why.
@@ -76,18 +79,11 @@ class NMEAWriter : public GPSOutputReceiver, public std::enable_shared_from_this
     ~NMEAWriter() override;
 
     /// Who is told, on the main thread, of each `warning` and `error`: an object and its method, or
-    /// a lambda (see MessageTarget.h). Null: nobody.
-    void setErrorObject(MessageTarget<Report> target) {
-        observers_.setErrorObject(std::move(target));
-    }
+    /// a lambda (see MessageTarget.h); null: nobody.
+    void setErrorObject(MessageTarget<Report> target);
     template <class Object, class Method>
     void setErrorObject(Object object, Method andSelector) {
         setErrorObject({std::move(object), std::move(andSelector)});
-    }
-    /// Who is told of the progress of transfers: of track points, waypoints and route points. Null:
-    /// nobody.
-    void setProgress(std::shared_ptr<GPXExporterProgress> progress) {
-        observers_.setProgress(std::move(progress));
     }
     /// Who is told of the progress of transfers: of track points, waypoints and route points. Held
     /// until replaced; null: nobody.
@@ -126,23 +122,7 @@ class NMEAWriter : public GPSOutputReceiver, public std::enable_shared_from_this
     void endSending(int /*kind*/) override {}
 
   private:
-    struct Route {
-        std::string identifier;
-        std::vector<std::string> names;
-    };
-
-    void writeSentence(std::string_view body);
-    void writePlace(const GPSPoint &point, const Dictionary *extra, bool isInRoute);
-    void endRoute();
-    [[nodiscard]] bool isWritable(const GPSPoint &point);
-
-    std::unique_ptr<OutputFile> file_;
-    ReceiverObservers<NMEAWriter> observers_;
-    NameTable waypointNames_{"WP"};
-    NameTable routeNames_{"ROUTE"};
-    int routes_ = 0;
-    std::optional<Route> route_; ///< the open one
-    Omissions omissions_;
+    std::unique_ptr<NMEAWriterState> state_;
 };
 
 } // namespace pelluvia

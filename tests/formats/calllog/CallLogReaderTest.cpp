@@ -332,13 +332,26 @@ TEST(CallLogReader, ALineBeyondTheLimitIsAFault) {
     EXPECT_THAT(receiver.names(), ElementsAre("newTrackSegment"));
 }
 
-TEST(CallLogReader, ReadingEndsWithoutAFaultWhenItIsToldToStop) {
+TEST(CallLogReader, AnErrorTellsTheWholeStory) {
+    const testing::TemporaryFolder folder;
+    const std::string path = folder.write("bad.jsonl", "\n{\"call\":nothing}\n");
     SpyReceiver receiver;
-    const testing::OpenText file("{\"call\":\"newTrackSegment\"}\n"
-                                 "{\"call\":\"newTrackSegment\"}\nbad\n");
+    const ErrorPtr error = CallLogReader(receiver).processFile(path);
+    ASSERT_NE(error, nullptr);
+    EXPECT_EQ(error->domain(), NSCocoaErrorDomain);
+    EXPECT_EQ(error->code(), NSFileReadCorruptFileError);
+    EXPECT_EQ(std::get<std::string>(*error->find(NSFilePathErrorKey)), path);
+    EXPECT_EQ(error->integer(callLogErrorLine), 2);
+    EXPECT_EQ(error->integer(callLogErrorColumn), 10);
+}
+
+TEST(CallLogReader, ReadsALogInMemory) {
+    const std::string log =
+        "\n{\"call\":\"newTrackSegment\"}\n{\"call\":\"endTransfer:\",\"kind\":1}";
+    SpyReceiver receiver;
     CallLogReader reader(receiver);
     EXPECT_EQ(reader.processText(log), nullptr);
-    EXPECT_THAT(receiver.names(), ElementsAre("newTrackSegment", "endTransfer:1"));
+    EXPECT_THAT(receiver.names(), ElementsAre("newTrackSegment", "endTransfer 1"));
     EXPECT_EQ(reader.readingProgress().position, log.size());
     EXPECT_EQ(reader.readingProgress().size, log.size());
 
@@ -353,7 +366,7 @@ TEST(CallLogReader, RefusesAPathThatHoldsANUL) {
     const testing::TemporaryFolder folder;
     std::string path = folder.write("log", "{\"call\":\"newTrackSegment\"}\n");
     path.append("\0.jsonl", 7);
-    CallCollector receiver;
+    SpyReceiver receiver;
     const ErrorPtr error = CallLogReader(receiver).processFile(path);
     ASSERT_NE(error, nullptr);
     EXPECT_EQ(error->code(), EINVAL);
@@ -389,11 +402,11 @@ TEST(CallLogReader, TellsHowFarItHasRead) {
 }
 
 /// Requests a stop at a call.
-class StoppingReceiver : public CallCollector {
+class StoppingReceiver : public SpyReceiver {
   public:
     std::stop_source stop;
     void newTrackSegment() override {
-        CallCollector::newTrackSegment();
+        SpyReceiver::newTrackSegment();
         stop.request_stop();
     }
 };
@@ -409,7 +422,7 @@ TEST(CallLogReader, MakesNoCallBehindAStopButTheEndOfTheTransfer) {
     EXPECT_EQ(error->domain(), NSCocoaErrorDomain);
     EXPECT_EQ(error->code(), NSUserCancelledError);
     EXPECT_THAT(receiver.names(),
-                ElementsAre("startTransfer:kind:extra:1", "newTrackSegment", "endTransfer:1"));
+                ElementsAre("startTransfer 1", "newTrackSegment", "endTransfer 1"));
 }
 
 TEST(CallLogReader, AStopOutsideATransferEndsNone) {
@@ -420,13 +433,13 @@ TEST(CallLogReader, AStopOutsideATransferEndsNone) {
         reader.processText("{\"call\":\"endTransfer:\",\"kind\":1}\n"
                            "{\"call\":\"newTrackSegment\"}\n{\"call\":\"newTrackSegment\"}\n"),
         nullptr);
-    EXPECT_THAT(receiver.names(), ElementsAre("endTransfer:1", "newTrackSegment"));
+    EXPECT_THAT(receiver.names(), ElementsAre("endTransfer 1", "newTrackSegment"));
 }
 
 TEST(CallLogReader, AStopEndsTheWaitingForAPipe) {
     std::array<int, 2> pipe{};
     ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
-    CallCollector receiver;
+    SpyReceiver receiver;
     std::stop_source stop;
     std::thread stopping;
     CallLogReader reader(receiver);
@@ -444,7 +457,7 @@ TEST(CallLogReader, TellsWhenAPipePauses) {
     std::array<int, 2> pipe{};
     ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
     const std::string line = "{\"call\":\"newTrackSegment\"}\n";
-    CallCollector receiver;
+    SpyReceiver receiver;
     std::vector<std::size_t> calls; // that were made at each pause
     CallLogReader reader(receiver);
     reader.setSourcePaused([&] {
@@ -478,9 +491,9 @@ TEST(LooksLikeCallLog, IsFalseOfOthers) {
 
 TEST(CallLogReader, AFileThatCannotBeReadIsAFault) {
     SpyReceiver receiver;
-    const auto fault = CallLogReader(receiver).read(-1);
-    ASSERT_TRUE(fault);
-    EXPECT_THAT(fault->message, HasSubstr("Bad file descriptor"));
+    const auto fault = CallLogReader(receiver).processDescriptor(-1);
+    ASSERT_NE(fault, nullptr);
+    EXPECT_THAT(fault->localizedDescription(), HasSubstr("Bad file descriptor"));
     EXPECT_THAT(receiver.calls, IsEmpty());
 }
 

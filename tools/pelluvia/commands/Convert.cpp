@@ -18,7 +18,6 @@
 #include <algorithm>
 #include <chrono>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <system_error>
 #include <unistd.h>
@@ -167,43 +166,12 @@ class Conversion {
         return results_.keep(status, whatIsMissing());
     }
 
-    [[nodiscard]] static int keep(const std::string &path, TargetFile &file, int status) {
-        const bool isComplete = status == exitStatus::done;
-        if (const std::error_code error = isComplete ? file.keep() : file.keepPartial()) {
-            return notKept(path, file, error, isComplete);
-        }
-        if (!isComplete) {
-            sayWhatIsPartial(path, file);
-        }
-        return status;
-    }
-
-    /// Says what there is nevertheless.
-    static int notKept(const std::string &path, TargetFile &file, const std::error_code &error,
-                       bool isComplete) {
-        const bool isKept = !file.keptName().empty();
-        file.giveUp();
-        cannotWrite(path, error);
-        if (!file.keptName().empty()) {
-            complain(file.keptName() + (!isKept      ? " holds what was written"
-                                        : isComplete ? " is complete"
-                                                     : " is partial"));
-        }
-        return exitStatus::cannotWrite;
-    }
-
-    static void sayWhatIsPartial(const std::string &path, const TargetFile &file) {
-        const std::string &kept = file.keptName();
-        complain((kept.empty() ? targetName(path) : kept) +
-                 " is partial: it holds what was read before the fault");
-        if (file.isKeptBeside()) {
-            complain(path + " is as it was");
-        }
-    }
-
-    static int cannotWrite(const std::string &path, const std::error_code &error) {
-        complain("cannot write " + targetName(path) + ": " + error.message());
-        return exitStatus::cannotWrite;
+    [[nodiscard]] std::string whatIsMissing() const {
+        const std::size_t sources = options_.sources.size();
+        const std::string which = sources == 1 ? ""
+                                               : "of " + std::to_string(badSources_) + " of " +
+                                                     std::to_string(sources) + " sources ";
+        return which + "it holds what was read before the fault";
     }
 
     /// None but for a person that looks at a terminal.

@@ -4,6 +4,7 @@
 
 #include <tools/pelluvia/files/Descriptor.h>
 
+#include <Pelluvia/formats/calllog/CallLogReader.h>
 #include <Pelluvia/formats/nmea/NMEADriver.h>
 
 #include <array>
@@ -13,23 +14,13 @@
 
 namespace pelluvia::host {
 
-namespace {
-
-/// A call log is made of objects, of which each has this member, first in what we write ourselves.
-bool looksLikeCalls(std::string_view beginning) {
-    const std::string_view line = beginning.substr(0, beginning.find('\n'));
-    return line.starts_with('{') && line.find("\"call\"") != std::string_view::npos;
-}
-
-} // namespace
-
 std::string formatHint(const std::string &path) {
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     std::array<char, 4096> buffer{};
     const ssize_t size =
         file.isOpen() ? ::read(file.number(), buffer.data(), buffer.size()) : ssize_t{0};
     const std::string_view beginning(buffer.data(), static_cast<std::size_t>(size > 0 ? size : 0));
-    if (looksLikeCalls(beginning)) {
+    if (looksLikeCallLog(beginning)) {
         return "a call log and not GPX; --from calls reads it";
     }
     if (!beginning.starts_with('<') && looksLikeNMEA(beginning)) {

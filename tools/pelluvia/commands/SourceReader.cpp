@@ -8,10 +8,12 @@
 #include <tools/pelluvia/terminal/Messages.h>
 
 #include <Pelluvia/formats/calllog/CallLogReader.h>
-#include <Pelluvia/formats/nmea/Driver.h>
-#include <Pelluvia/formats/nmea/live/LiveView.h>
+#include <Pelluvia/formats/nmea/NMEADriver.h>
 #include <Pelluvia/gpximport/GPXFileImporter.h>
 #include <Pelluvia/values/CocoaErrors.h>
+
+#include <stop_token>
+#include <unistd.h>
 
 namespace pelluvia::host {
 
@@ -103,14 +105,34 @@ std::optional<InputFault> SourceReader::readCallLog(const std::string &path) {
     const ReadingShown shown(with_.bar, [&reader] { return reader.readingProgress(); });
     const ErrorPtr fault = reader.processDescriptor(source.number());
     sayWhatWasReported(path);
-    if (!fault) {
+    if (fault == nullptr) {
         return std::nullopt;
     }
+    if (isStop(*fault)) {
+        return faultOfStop();
+    }
     receiver->endOpenTransfer();
-    return InputFault{.line = fault->line, .column = fault->column, .message = fault->message};
+    return InputFault{.line = fault->integer(callLogErrorLine),
+                      .column = fault->integer(callLogErrorColumn),
+                      .message = fault->localizedDescription()};
 }
 
 std::optional<InputFault> SourceReader::readNMEA(const std::string &path) {
+    const auto receiver = filtered();
+    NMEADriver driver(*receiver);
+    driver.setBaudRate(options_.nmea.baud);
+    driver.setLongestGap(options_.nmea.longestGap);
+    driver.setDay(options_.nmea.day);
+    driver.setEndDescriptor(with_.interrupts);
+    // An interrupt ends the source and not more; that nothing can be written any more stops it.
+    std::stop_source failure;
+    const std::stop_callback whenStopped(with_.stop, [&] {
+        if (with_.hasFailed()) {
+            failure.request_stop();
+        }
+    });
+    driver.setStopToken(failure.get_token());
+    driver.setSourcePaused(with_.sourcePaused);
     const auto &bar = with_.bar;
     if (bar != nullptr) {
         driver.setStatusLine([&bar](std::string_view bytes) {
@@ -126,11 +148,14 @@ std::optional<InputFault> SourceReader::readNMEA(const std::string &path) {
     }
     // The receiver was told, too, of what is returned.
     [[maybe_unused]] const auto reports = with_.collector->collected();
-    if (outcome.ending != nmea::Ending::NotOpened) {
-        say(sourceName(path) + ": " + textOf(outcome.tally));
+    if (driver.ending() != NMEAEnding::NotOpened) {
+        say(sourceName(path) + ": " + textOf(driver.tally()));
     }
-    return error != nullptr ? std::optional(InputFault{.message = error->localizedDescription()})
-                            : std::nullopt;
+    // What has stopped it is said of the target.
+    if (error == nullptr || driver.ending() == NMEAEnding::Stopped) {
+        return std::nullopt;
+    }
+    return InputFault{.message = error->localizedDescription()};
 }
 
 /// A log may end the exchange by itself. A GPX document gets its end from us, since other sources

@@ -37,6 +37,8 @@ class SourceReader {
         std::function<bool()> hasFailed;
         /// Stops what is read, and what is written in vain.
         std::stop_token stop;
+        /// Called when a live source has nothing to read at the moment; null for none.
+        std::function<void()> sourcePaused = {};
         /// Becomes readable when a live source is to end; -1 for none.
         int interrupts = -1;
     };
