@@ -23,7 +23,7 @@ namespace pelluvia {
 [[nodiscard]] constexpr XMLInterest interestIn(gpxVocabulary::Namespace space,
                                                gpxVocabulary::Name name) noexcept {
     const gpxTable::Element &element = gpxTable::endOf(space, name);
-    if (element.text != gpxTable::Field(gpxTable::nowhere)) {
+    if (!std::holds_alternative<gpxTable::Nowhere>(element.text)) {
         return XMLInterest::all;
     }
     const bool isUsed = element.flag.atEnd != nullptr || element.attributeText != nullptr ||
